@@ -1,0 +1,18 @@
+#include "krel/message.h"
+
+#include "msgcat/catalogue.h"
+
+namespace krel {
+
+void Message::formattedMessage_(ustring& out) const { out = msgcat::format(id_); }
+
+std::string Message::identifier() const { return id_.catalogue + ":" + id_.key; }
+
+MessageException::MessageException(const Message& message) {
+  ustring text;
+  message.formattedMessage_(text);
+  state_ = std::make_shared<const State>(
+      State{message, message.identifier() + ": " + ustring_to_utf8_string(text)});
+}
+
+}  // namespace krel

@@ -1,0 +1,58 @@
+#include "ui/core/node_id.h"
+
+#include <algorithm>
+
+#include "krel/ustring.h"
+
+namespace ui::core {
+
+ustring::const_iterator find_node_sep(ustring::const_iterator first,
+                                      ustring::const_iterator last) noexcept {
+  // Only "/" is acted on among the punctuation characters, so the scan jumps
+  // from one "/" to the next.
+  auto it = first;
+  while (it != last) {
+    it = std::find_if(it, last, [](char16_t c) { return is_node_sep(c); });
+    if (it == last) return last;
+    const auto next = it + 1;
+    if (next == last || !is_node_sep(*next)) return it;
+    it = next + 1;  // an escaped pair, consumed from the left
+  }
+  return last;
+}
+
+ustring::const_iterator find_node_sep(const ustring& text) noexcept {
+  return find_node_sep(text.cbegin(), text.cend());
+}
+
+ustring clean_white_space(const ustring& text) {
+  ustring cleaned = text;
+  std::replace_if(
+      cleaned.begin(), cleaned.end(), [](char16_t c) { return krel::is_posix_space(c); }, u' ');
+  return cleaned;
+}
+
+bool is_node_sep_escaped(const ustring& text) noexcept { return find_node_sep(text) == text.cend(); }
+
+bool is_node_id_head_char(const ustring& text) noexcept {
+  return text.empty() || !is_node_sep(text.front());
+}
+
+bool is_node_id_tail_char(const ustring& text) noexcept {
+  return text.empty() || !is_node_sep(text.back());
+}
+
+bool is_node_id(const ustring& text) noexcept {
+  return !text.empty() && is_node_id_head_char(text) && is_node_id_tail_char(text) &&
+         is_node_sep_escaped(text);
+}
+
+bool is_node_path(const ustring& text) noexcept {
+  if (!is_node_id_head_char(text)) return false;
+  const std::size_t n = text.size();
+  if (n < 2) return true;
+  if (!is_node_sep(text[n - 1])) return true;
+  return is_node_sep(text[n - 2]);
+}
+
+}  // namespace ui::core

@@ -1,0 +1,106 @@
+#include "ui/core/errors.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "expect_error.h"
+#include "msgcat/catalogue.h"
+#include "ui/core/detail/errors.h"
+
+namespace {
+
+using namespace ui::core;
+using test_support::Argument;
+using test_support::text_arg;
+using test_support::throws_error;
+
+TEST(ErrorTable, ListsFourteenMessagesWithDistinctKeys) {
+  std::set<std::string_view> keys;
+  for (const ErrorInfo& info : error_table()) keys.insert(info.key);
+  EXPECT_EQ(error_table().size(), 14u);
+  EXPECT_EQ(keys.size(), 14u);
+}
+
+TEST(ErrorTable, EveryMessageHasEnglishAndGermanText) {
+  for (const ErrorInfo& info : error_table()) {
+    EXPECT_TRUE(msgcat::find_pattern(error_catalogue(info.id), info.key, "en")) << info.key;
+    EXPECT_TRUE(msgcat::find_pattern(error_catalogue(info.id), info.key, "de")) << info.key;
+  }
+}
+
+TEST(ErrorTable, CataloguesAreTheKernelFamily) {
+  EXPECT_EQ(error_catalogue(ErrorId::InvalidAccess), "kalder:common:ui:core:kernel:access");
+  EXPECT_EQ(error_catalogue(ErrorId::UnitConversionUnknown), "kalder:common:ui:core:kernel:units");
+  EXPECT_EQ(error_catalogue(ErrorId::CannotCreateSource), "kalder:common:ui:core:kernel:source");
+  EXPECT_EQ(error_catalogue(ErrorId::InvalidArrayArguments),
+            "kalder:common:ui:core:kernel:data_struct");
+  EXPECT_EQ(error_catalogue(ErrorId::NonScalarPath), "kalder:common:ui:core:kernel:path");
+}
+
+struct Case {
+  ErrorId id;
+  detail::MsgId msg;
+  std::vector<Argument> args;
+};
+
+TEST(ThrowMessage, EachThrownMessageCarriesItsIdentifierAndArguments) {
+  const ustring t = u"a\tb";
+  const krel::ArraySize size{2, 3};
+  const std::vector<Case> cases = {
+      {ErrorId::InvalidAccess, detail::invalid_access(t), {text_arg(t)}},
+      {ErrorId::CannotCreateSource, detail::cannot_create_source(u"OpenDialog"),
+       {text_arg(u"OpenDialog")}},
+      {ErrorId::InvalidArrayArguments, detail::invalid_array_arguments(5, size),
+       {Argument(std::in_place_index<0>, 5u), text_arg(u"2x3")}},
+      {ErrorId::InvalidNodeId, detail::invalid_node_id(t), {text_arg(t)}},
+      {ErrorId::InvalidNodePath, detail::invalid_node_path(u"/mass"), {text_arg(u"/mass")}},
+      {ErrorId::InvalidNodePath1, detail::invalid_node_path1(u""), {text_arg(u"")}},
+      {ErrorId::InvalidObjectPath, detail::invalid_object_path(u"a//"), {text_arg(u"a//")}},
+      {ErrorId::InvalidObjectPathName, detail::invalid_object_path_name(t), {text_arg(t)}},
+      {ErrorId::InvalidObjectPathSubscript, detail::invalid_object_path_subscript(), {}},
+      {ErrorId::InvalidObjectPathSubscriptString, detail::invalid_object_path_subscript_string(u"//0"),
+       {text_arg(u"//0")}},
+      {ErrorId::NonScalarPath, detail::non_scalar_path(u"a(2,1)"), {text_arg(u"a(2,1)")}},
+      {ErrorId::InsufficientSubscriptDimensions,
+       detail::insufficient_subscript_dimensions(u"//4", size), {text_arg(u"//4"), text_arg(u"2x3")}},
+      {ErrorId::SubscriptOutOfRange, detail::subscript_out_of_range(u"//4, 1", size),
+       {text_arg(u"//4, 1"), text_arg(u"2x3")}},
+  };
+  std::set<ErrorId> covered;
+  for (const Case& c : cases) {
+    EXPECT_TRUE(throws_error([&] { detail::throw_message(c.msg); }, c.id, c.args))
+        << error_info(c.id).key;
+    covered.insert(c.id);
+  }
+  for (const ErrorInfo& info : error_table()) {
+    if (info.thrown) {
+      EXPECT_TRUE(covered.count(info.id)) << info.key << " is not covered";
+    }
+  }
+}
+
+TEST(ThrowMessage, ReservesExactlyTheArgumentCount) {
+  EXPECT_EQ(detail::message_id(ErrorId::SubscriptOutOfRange).arguments.capacity(), 2u);
+  EXPECT_EQ(detail::invalid_node_id(u"x").arguments.capacity(), 1u);
+  EXPECT_EQ(detail::unit_conversion_unknown().arguments.size(), 0u);
+  for (const ErrorInfo& info : error_table()) {
+    EXPECT_EQ(detail::message_id(info.id).arguments.capacity(), info.arguments) << info.key;
+  }
+}
+
+TEST(ThrowMessage, WhatNamesTheFullIdentifier) {
+  try {
+    detail::throw_message(detail::invalid_node_path(u"/mass"));
+    FAIL() << "nothing thrown";
+  } catch (const krel::MessageException& e) {
+    EXPECT_STREQ(e.what(),
+                 "kalder:common:ui:core:kernel:path:InvalidNodePath: '/mass' is not a valid node "
+                 "path.");
+    EXPECT_TRUE(is_error(e, ErrorId::InvalidNodePath));
+    EXPECT_FALSE(is_error(e, ErrorId::InvalidNodeId));
+    EXPECT_FALSE(is_error(e, ErrorId::InvalidAccess));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,22 @@
+ui_core_tool_test(explain_english
+  EXPECT "^'/mass' is not a valid node path\\.\n$"
+  ENV "LC_ALL=C"
+  ARGS explain kalder:common:ui:core:kernel:path:InvalidNodePath /mass)
+ui_core_tool_test(explain_german
+  EXPECT "'/mass' ist kein gültiger Knotenpfad\\."
+  ENV "LC_ALL=de_DE.UTF-8"
+  ARGS explain kalder:common:ui:core:kernel:path:InvalidNodePath /mass)
+ui_core_tool_test(explain_number_argument
+  EXPECT "^5 elements do not fill an array of size 2x3\\.\n$"
+  ARGS explain kalder:common:ui:core:kernel:data_struct:InvalidArrayArguments 5 2x3)
+ui_core_tool_test(explain_locale_option
+  EXPECT "unbekannt"
+  ARGS explain --locale de kalder:common:ui:core:kernel:units:UnitConversionUnknown)
+ui_core_tool_test(explain_unknown_identifier_is_refused EXIT 1
+  ARGS explain no:such:Message)
+ui_core_tool_test(explain_malformed_identifier_is_bad_usage EXIT 2
+  ARGS explain nocolon)
+ui_core_tool_test(version EXPECT "^ui-core [0-9]+\\.[0-9]+\\.[0-9]+" ARGS --version)
+ui_core_tool_test(help EXPECT "explain" ARGS --help)
+ui_core_tool_test(no_subcommand_is_bad_usage EXIT 2 ARGS)
+ui_core_tool_test(unknown_subcommand_is_bad_usage EXIT 2 ARGS frobnicate)
