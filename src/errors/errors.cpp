@@ -21,7 +21,8 @@ constexpr std::array<ErrorInfo, 14> table{{
     {ErrorId::InvalidObjectPath, "path", "InvalidObjectPath", 1, true},
     {ErrorId::InvalidObjectPathName, "path", "InvalidObjectPathName", 1, true},
     {ErrorId::InvalidObjectPathSubscript, "path", "InvalidObjectPathSubscript", 0, true},
-    {ErrorId::InvalidObjectPathSubscriptString, "path", "InvalidObjectPathSubscriptString", 1, true},
+    {ErrorId::InvalidObjectPathSubscriptString, "path", "InvalidObjectPathSubscriptString", 1,
+     true},
     {ErrorId::NonScalarPath, "path", "NonScalarPath", 1, true},
     {ErrorId::InsufficientSubscriptDimensions, "path", "InsufficientSubscriptDimensions", 2, true},
     {ErrorId::SubscriptOutOfRange, "path", "SubscriptOutOfRange", 2, true},
@@ -37,9 +38,13 @@ static_assert(table_in_enum_order(), "the message table must list ErrorId in ord
 
 }  // namespace
 
-std::span<const ErrorInfo> error_table() noexcept { return table; }
+std::span<const ErrorInfo> error_table() noexcept {
+  return table;
+}
 
-const ErrorInfo& error_info(ErrorId id) noexcept { return table[static_cast<std::size_t>(id)]; }
+const ErrorInfo& error_info(ErrorId id) noexcept {
+  return table[static_cast<std::size_t>(id)];
+}
 
 std::string error_catalogue(ErrorId id) {
   std::string name(catalogue_family);
@@ -50,7 +55,8 @@ std::string error_catalogue(ErrorId id) {
 bool is_error(const krel::MessageException& e, ErrorId id) noexcept {
   const auto& msg = e.message().id();
   const ErrorInfo& info = error_info(id);
-  return msg.key == info.key && msg.catalogue.size() == catalogue_family.size() + info.area.size() &&
+  return msg.key == info.key &&
+         msg.catalogue.size() == catalogue_family.size() + info.area.size() &&
          msg.catalogue.starts_with(catalogue_family) && msg.catalogue.ends_with(info.area);
 }
 
@@ -88,8 +94,12 @@ MsgId message_id(ErrorId id) {
   return msg;
 }
 
-MsgId invalid_access(const ustring& text) { return with_text(ErrorId::InvalidAccess, text); }
-MsgId unit_conversion_unknown() { return message_id(ErrorId::UnitConversionUnknown); }
+MsgId invalid_access(const ustring& text) {
+  return with_text(ErrorId::InvalidAccess, text);
+}
+MsgId unit_conversion_unknown() {
+  return message_id(ErrorId::UnitConversionUnknown);
+}
 MsgId cannot_create_source(const ustring& kind) {
   return with_text(ErrorId::CannotCreateSource, kind);
 }
@@ -99,8 +109,12 @@ MsgId invalid_array_arguments(std::uint64_t count, const krel::ArraySize& size) 
   msg.arguments.emplace_back(std::in_place_index<2>, krel::to_user_string(size));
   return msg;
 }
-MsgId invalid_node_id(const ustring& text) { return with_text(ErrorId::InvalidNodeId, text); }
-MsgId invalid_node_path(const ustring& text) { return with_text(ErrorId::InvalidNodePath, text); }
+MsgId invalid_node_id(const ustring& text) {
+  return with_text(ErrorId::InvalidNodeId, text);
+}
+MsgId invalid_node_path(const ustring& text) {
+  return with_text(ErrorId::InvalidNodePath, text);
+}
 MsgId invalid_node_path1(const ustring& path_text) {
   return with_text(ErrorId::InvalidNodePath1, path_text);
 }
@@ -110,7 +124,9 @@ MsgId invalid_object_path(const ustring& text) {
 MsgId invalid_object_path_name(const ustring& text) {
   return with_text(ErrorId::InvalidObjectPathName, text);
 }
-MsgId invalid_object_path_subscript() { return message_id(ErrorId::InvalidObjectPathSubscript); }
+MsgId invalid_object_path_subscript() {
+  return message_id(ErrorId::InvalidObjectPathSubscript);
+}
 MsgId invalid_object_path_subscript_string(const ustring& text) {
   return with_text(ErrorId::InvalidObjectPathSubscriptString, text);
 }

@@ -49,9 +49,11 @@ TEST(ThrowMessage, EachThrownMessageCarriesItsIdentifierAndArguments) {
   const krel::ArraySize size{2, 3};
   const std::vector<Case> cases = {
       {ErrorId::InvalidAccess, detail::invalid_access(t), {text_arg(t)}},
-      {ErrorId::CannotCreateSource, detail::cannot_create_source(u"OpenDialog"),
+      {ErrorId::CannotCreateSource,
+       detail::cannot_create_source(u"OpenDialog"),
        {text_arg(u"OpenDialog")}},
-      {ErrorId::InvalidArrayArguments, detail::invalid_array_arguments(5, size),
+      {ErrorId::InvalidArrayArguments,
+       detail::invalid_array_arguments(5, size),
        {Argument(std::in_place_index<0>, 5u), text_arg(u"2x3")}},
       {ErrorId::InvalidNodeId, detail::invalid_node_id(t), {text_arg(t)}},
       {ErrorId::InvalidNodePath, detail::invalid_node_path(u"/mass"), {text_arg(u"/mass")}},
@@ -59,12 +61,15 @@ TEST(ThrowMessage, EachThrownMessageCarriesItsIdentifierAndArguments) {
       {ErrorId::InvalidObjectPath, detail::invalid_object_path(u"a//"), {text_arg(u"a//")}},
       {ErrorId::InvalidObjectPathName, detail::invalid_object_path_name(t), {text_arg(t)}},
       {ErrorId::InvalidObjectPathSubscript, detail::invalid_object_path_subscript(), {}},
-      {ErrorId::InvalidObjectPathSubscriptString, detail::invalid_object_path_subscript_string(u"//0"),
+      {ErrorId::InvalidObjectPathSubscriptString,
+       detail::invalid_object_path_subscript_string(u"//0"),
        {text_arg(u"//0")}},
       {ErrorId::NonScalarPath, detail::non_scalar_path(u"a(2,1)"), {text_arg(u"a(2,1)")}},
       {ErrorId::InsufficientSubscriptDimensions,
-       detail::insufficient_subscript_dimensions(u"//4", size), {text_arg(u"//4"), text_arg(u"2x3")}},
-      {ErrorId::SubscriptOutOfRange, detail::subscript_out_of_range(u"//4, 1", size),
+       detail::insufficient_subscript_dimensions(u"//4", size),
+       {text_arg(u"//4"), text_arg(u"2x3")}},
+      {ErrorId::SubscriptOutOfRange,
+       detail::subscript_out_of_range(u"//4, 1", size),
        {text_arg(u"//4, 1"), text_arg(u"2x3")}},
   };
   std::set<ErrorId> covered;

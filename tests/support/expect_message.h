@@ -25,10 +25,14 @@ using Argument = resource_core::BaseMsgID::Argument;
 
 inline std::string describe(const Argument& a) {
   switch (a.index()) {
-    case 0: return "unsigned " + std::to_string(std::get<0>(a));
-    case 1: return "signed " + std::to_string(std::get<1>(a));
-    case 2: return "text '" + krel::ustring_to_utf8_string(std::get<2>(a)) + "'";
-    default: return "double " + std::to_string(std::get<3>(a));
+    case 0:
+      return "unsigned " + std::to_string(std::get<0>(a));
+    case 1:
+      return "signed " + std::to_string(std::get<1>(a));
+    case 2:
+      return "text '" + krel::ustring_to_utf8_string(std::get<2>(a)) + "'";
+    default:
+      return "double " + std::to_string(std::get<3>(a));
   }
 }
 

@@ -11,10 +11,11 @@ namespace {
 // A digit-only argument fills a placeholder the pattern formats as a number
 // ("{0,number,...}") as a number; every other argument is text.
 resource_core::BaseMsgID::Argument argument_for(const std::u16string& pattern, std::size_t index,
-                                               const std::string& arg) {
-  const bool digits = !arg.empty() && arg.size() <= 20 &&
-                      arg.find_first_not_of("0123456789") == std::string::npos;
-  const std::u16string marker = u"{" + krel::utf8_string_to_ustring(std::to_string(index)) + u",number";
+                                                const std::string& arg) {
+  const bool digits =
+      !arg.empty() && arg.size() <= 20 && arg.find_first_not_of("0123456789") == std::string::npos;
+  const std::u16string marker =
+      u"{" + krel::utf8_string_to_ustring(std::to_string(index)) + u",number";
   if (digits && pattern.find(marker) != std::u16string::npos) {
     try {
       return std::uint64_t{std::stoull(arg)};

@@ -43,11 +43,17 @@ Registration::Registration(std::string_view name, Setup setup) {
   registry().push_back(Entry{name, setup});
 }
 
-krel::ustring from_arg(const std::string& arg) { return krel::utf8_string_to_ustring(arg); }
+krel::ustring from_arg(const std::string& arg) {
+  return krel::utf8_string_to_ustring(arg);
+}
 
-std::string to_out(const krel::ustring& text) { return krel::ustring_to_utf8_string(text); }
+std::string to_out(const krel::ustring& text) {
+  return krel::ustring_to_utf8_string(text);
+}
 
-void report(const krel::MessageException& e) { std::cerr << "error: " << e.what() << '\n'; }
+void report(const krel::MessageException& e) {
+  std::cerr << "error: " << e.what() << '\n';
+}
 
 }  // namespace ui_core_tool
 
@@ -57,7 +63,8 @@ int main(int argc, char** argv) {
 
   CLI::App app{"ui-core: node paths, object paths, indices, texts and units of the ui_core library",
                "ui-core"};
-  app.set_version_flag("--version", std::string("ui-core ") + std::string(ui::core::version_string()));
+  app.set_version_flag("--version",
+                       std::string("ui-core ") + std::string(ui::core::version_string()));
   app.require_subcommand(1);
   app.failure_message(CLI::FailureMessage::help);
 

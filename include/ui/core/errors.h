@@ -48,10 +48,10 @@ enum class ErrorId {
 /// One row of the message table.
 struct ErrorInfo {
   ErrorId id;
-  std::string_view area;   ///< "access", "units", "source", "data_struct" or "path"
-  std::string_view key;    ///< the key inside the catalogue, such as "InvalidNodeId"
-  std::size_t arguments;   ///< how many arguments the message carries
-  bool thrown;             ///< false only for UnitConversionUnknown
+  std::string_view area;  ///< "access", "units", "source", "data_struct" or "path"
+  std::string_view key;   ///< the key inside the catalogue, such as "InvalidNodeId"
+  std::size_t arguments;  ///< how many arguments the message carries
+  bool thrown;            ///< false only for UnitConversionUnknown
 };
 
 /// The whole table, in the order of ErrorId.

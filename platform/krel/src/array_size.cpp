@@ -19,7 +19,9 @@ std::size_t ArraySize::numElements() const noexcept {
   return saturated ? std::numeric_limits<std::size_t>::max() : product;
 }
 
-bool operator==(const ArraySize& a, const ArraySize& b) noexcept { return compare(a, b) == 0; }
+bool operator==(const ArraySize& a, const ArraySize& b) noexcept {
+  return compare(a, b) == 0;
+}
 
 int compare(const ArraySize& a, const ArraySize& b) noexcept {
   const std::size_t n = std::max(a.size(), b.size());

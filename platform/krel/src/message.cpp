@@ -4,9 +4,13 @@
 
 namespace krel {
 
-void Message::formattedMessage_(ustring& out) const { out = msgcat::format(id_); }
+void Message::formattedMessage_(ustring& out) const {
+  out = msgcat::format(id_);
+}
 
-std::string Message::identifier() const { return id_.catalogue + ":" + id_.key; }
+std::string Message::identifier() const {
+  return id_.catalogue + ":" + id_.key;
+}
 
 MessageException::MessageException(const Message& message) {
   ustring text;

@@ -50,7 +50,8 @@ TEST(Message, UnknownIdentifierFormatsAsItself) {
   krel::ustring out;
   krel::Message(id).formattedMessage_(out);
   EXPECT_EQ(out, u"no:such:Thing(7, x)");
-  EXPECT_STREQ(krel::MessageException(krel::Message(id)).what(), "no:such:Thing: no:such:Thing(7, x)");
+  EXPECT_STREQ(krel::MessageException(krel::Message(id)).what(),
+               "no:such:Thing: no:such:Thing(7, x)");
 }
 
 }  // namespace

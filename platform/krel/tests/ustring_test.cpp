@@ -24,7 +24,9 @@ class CtypeLocale {
 TEST(Utf8, RoundTripsValidText) {
   const krel::ustring text = u"Gr\u00fc\u00dfe \u6f22\u5b57 \U0001F600 a/b";
   const std::string utf8 = krel::ustring_to_utf8_string(text);
-  EXPECT_EQ(utf8, "Gr\xc3\xbc\xc3\x9f" "e \xe6\xbc\xa2\xe5\xad\x97 \xf0\x9f\x98\x80 a/b");
+  EXPECT_EQ(utf8,
+            "Gr\xc3\xbc\xc3\x9f"
+            "e \xe6\xbc\xa2\xe5\xad\x97 \xf0\x9f\x98\x80 a/b");
   EXPECT_EQ(krel::utf8_string_to_ustring(utf8), text);
 }
 
@@ -32,13 +34,17 @@ TEST(Utf8, LoneSurrogateBecomesReplacementCharacter) {
   krel::ustring text = u"a";
   text += char16_t(0xD800);
   text += u"b";
-  EXPECT_EQ(krel::ustring_to_utf8_string(text), "a\xef\xbf\xbd" "b");
+  EXPECT_EQ(krel::ustring_to_utf8_string(text),
+            "a\xef\xbf\xbd"
+            "b");
   krel::ustring low(1, char16_t(0xDC00));
   EXPECT_EQ(krel::ustring_to_utf8_string(low), "\xef\xbf\xbd");
 }
 
 TEST(Utf8, InvalidUtf8BecomesReplacementCharacter) {
-  EXPECT_EQ(krel::utf8_string_to_ustring(std::string("a\xff" "b")), u"a\uFFFDb");
+  EXPECT_EQ(krel::utf8_string_to_ustring(std::string("a\xff"
+                                                     "b")),
+            u"a\uFFFDb");
   EXPECT_EQ(krel::utf8_string_to_ustring(std::string("\xc3")), u"\uFFFD");
 }
 
@@ -63,8 +69,12 @@ TEST(LocalEncoding, CLocaleIsAsciiWithQuestionMarks) {
 TEST(LocalEncoding, Utf8LocaleIsUtf8) {
   CtypeLocale c("C.UTF-8");
   ASSERT_TRUE(c.ok());
-  EXPECT_EQ(krel::ustring_to_local_encoded_string(u"Gr\u00fc\u00dfe"), "Gr\xc3\xbc\xc3\x9f" "e");
-  EXPECT_EQ(krel::local_encoded_string_to_ustring("Gr\xc3\xbc\xc3\x9f" "e"), u"Gr\u00fc\u00dfe");
+  EXPECT_EQ(krel::ustring_to_local_encoded_string(u"Gr\u00fc\u00dfe"),
+            "Gr\xc3\xbc\xc3\x9f"
+            "e");
+  EXPECT_EQ(krel::local_encoded_string_to_ustring("Gr\xc3\xbc\xc3\x9f"
+                                                  "e"),
+            u"Gr\u00fc\u00dfe");
   krel::ustring lone = u"x";
   lone += char16_t(0xDFFF);
   EXPECT_EQ(krel::ustring_to_local_encoded_string(lone), "x?");
@@ -98,8 +108,9 @@ TEST(Trim, RemovesOnlyPosixSpaceAtBothEnds) {
 TEST(PosixClasses, SpaceAndPunctuationAreTheAsciiClasses) {
   for (char32_t c = 0; c < 0x80; ++c) {
     EXPECT_EQ(krel::is_posix_space(c), c == ' ' || (c >= 9 && c <= 13)) << unsigned(c);
-    const bool punct = c > 0x20 && c < 0x7f && !((c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
-                                                 (c >= 'A' && c <= 'Z'));
+    const bool punct =
+        c > 0x20 && c < 0x7f &&
+        !((c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'));
     EXPECT_EQ(krel::is_posix_punct(c), punct) << unsigned(c);
   }
   EXPECT_FALSE(krel::is_posix_space(0xA0));

@@ -18,8 +18,8 @@ namespace msgcat {
 namespace {
 
 std::u16string to_u16(std::string_view utf8) {
-  icu::UnicodeString u = icu::UnicodeString::fromUTF8(icu::StringPiece(utf8.data(),
-                                                                       static_cast<int32_t>(utf8.size())));
+  icu::UnicodeString u = icu::UnicodeString::fromUTF8(
+      icu::StringPiece(utf8.data(), static_cast<int32_t>(utf8.size())));
   return std::u16string(reinterpret_cast<const char16_t*>(u.getBuffer()),
                         static_cast<std::size_t>(u.length()));
 }
@@ -77,7 +77,8 @@ const Catalogue& catalogue() {
   return built;
 }
 
-const Entry* find_entry(std::string_view catalogue_name, std::string_view key, std::string_view language) {
+const Entry* find_entry(std::string_view catalogue_name, std::string_view key,
+                        std::string_view language) {
   const auto& index = catalogue().index;
   auto it = index.find(std::make_tuple(catalogue_name, key, language));
   return it == index.end() ? nullptr : it->second;
@@ -93,7 +94,9 @@ icu::Formattable to_formattable(const resource_core::BaseMsgID::Argument& arg) {
       icu::Formattable f(icu::StringPiece(digits.c_str()), status);
       return U_SUCCESS(status) ? f : icu::Formattable(static_cast<double>(v));
     }
-    icu::Formattable operator()(std::int64_t v) const { return icu::Formattable(static_cast<int64_t>(v)); }
+    icu::Formattable operator()(std::int64_t v) const {
+      return icu::Formattable(static_cast<int64_t>(v));
+    }
     icu::Formattable operator()(const std::u16string& v) const {
       return icu::Formattable(icu::UnicodeString(reinterpret_cast<const UChar*>(v.data()),
                                                  static_cast<int32_t>(v.size())));
@@ -142,7 +145,9 @@ std::string language_of(std::string_view locale_name) {
   return language;
 }
 
-std::string global_locale_name() { return std::locale().name(); }
+std::string global_locale_name() {
+  return std::locale().name();
+}
 
 std::optional<std::u16string> find_pattern(std::string_view catalogue_name, std::string_view key,
                                            std::string_view language) {
@@ -175,8 +180,12 @@ std::u16string format(const resource_core::BaseMsgID& id, std::string_view local
                         static_cast<std::size_t>(result.length()));
 }
 
-std::u16string format(const resource_core::BaseMsgID& id) { return format(id, global_locale_name()); }
+std::u16string format(const resource_core::BaseMsgID& id) {
+  return format(id, global_locale_name());
+}
 
-const std::vector<Entry>& entries() { return catalogue().entries; }
+const std::vector<Entry>& entries() {
+  return catalogue().entries;
+}
 
 }  // namespace msgcat

@@ -31,12 +31,14 @@ TEST(Catalogue, EveryGermanTextHasAnEnglishOne) {
   }
   ASSERT_FALSE(english.empty());
   for (const auto& e : msgcat::entries()) {
-    EXPECT_TRUE(english.count({e.catalogue, e.key})) << e.catalogue << ":" << e.key << " " << e.language;
+    EXPECT_TRUE(english.count({e.catalogue, e.key}))
+        << e.catalogue << ":" << e.key << " " << e.language;
   }
 }
 
 TEST(Catalogue, FormatsTextArguments) {
-  auto id = id_of("kalder:common:ui:core:kernel:path", "InvalidNodePath", {std::u16string(u"/mass")});
+  auto id =
+      id_of("kalder:common:ui:core:kernel:path", "InvalidNodePath", {std::u16string(u"/mass")});
   EXPECT_EQ(msgcat::format(id, "C"), u"'/mass' is not a valid node path.");
   EXPECT_EQ(msgcat::format(id, "de_DE.UTF-8"), u"'/mass' ist kein g\u00fcltiger Knotenpfad.");
 }
@@ -52,7 +54,8 @@ TEST(Catalogue, FormatsUnsignedCountsExactlyWithoutGrouping) {
   EXPECT_EQ(msgcat::format(id, "C"),
             u"18446744073709551615 elements do not fill an array of size 2x3.");
   id.arguments[0] = std::uint64_t{12345};
-  EXPECT_EQ(msgcat::format(id, "de_DE.UTF-8"), u"12345 Elemente f\u00fcllen kein Feld der Gr\u00f6\u00dfe 2x3.");
+  EXPECT_EQ(msgcat::format(id, "de_DE.UTF-8"),
+            u"12345 Elemente f\u00fcllen kein Feld der Gr\u00f6\u00dfe 2x3.");
 }
 
 TEST(Catalogue, UnknownIdentifierIsNeverEmpty) {
@@ -62,8 +65,10 @@ TEST(Catalogue, UnknownIdentifierIsNeverEmpty) {
 }
 
 TEST(Catalogue, FindPatternIsExactPerLanguage) {
-  EXPECT_TRUE(msgcat::find_pattern("kalder:common:ui:core:kernel:units", "UnitConversionUnknown", "de"));
-  EXPECT_FALSE(msgcat::find_pattern("kalder:common:ui:core:kernel:units", "UnitConversionUnknown", "fr"));
+  EXPECT_TRUE(
+      msgcat::find_pattern("kalder:common:ui:core:kernel:units", "UnitConversionUnknown", "de"));
+  EXPECT_FALSE(
+      msgcat::find_pattern("kalder:common:ui:core:kernel:units", "UnitConversionUnknown", "fr"));
   EXPECT_FALSE(msgcat::find_pattern("kalder:common:ui:core:kernel:units", "NoSuchKey", "en"));
 }
 

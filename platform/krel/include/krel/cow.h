@@ -60,8 +60,8 @@ class RefCount {
   void increment() noexcept {
     // A new reference is made from an existing one, which keeps the record
     // alive; nothing else needs to be ordered with it, so relaxed suffices.
-    count_.fetch_add(1, Order == CountOrder::standard ? std::memory_order_relaxed
-                                                      : std::memory_order_seq_cst);
+    count_.fetch_add(
+        1, Order == CountOrder::standard ? std::memory_order_relaxed : std::memory_order_seq_cst);
   }
 
   /// Drops one reference; true when it was the last, and the caller frees.
@@ -112,9 +112,7 @@ template <class Rep>
 class Cow {
  public:
   /// The shared empty record, when Rep has one.
-  Cow() noexcept
-    requires HasSharedEmpty<Rep>
-      : rep_(&Rep::shared_empty()) {
+  Cow() noexcept requires HasSharedEmpty<Rep> : rep_(&Rep::shared_empty()) {
     rep_->count.increment();
   }
 

@@ -8,7 +8,8 @@
 //
 //   try { ... } catch (const krel::MessageException& e) {
 //     if (e.message().id().key == "InvalidNodePath") ...
-//     std::cerr << e.what();  // "kalder:common:ui:core:kernel:path:InvalidNodePath: '/mass' is ..."
+//     std::cerr << e.what();  // "kalder:common:ui:core:kernel:path:InvalidNodePath: '/mass' is
+//     ..."
 //   }
 
 #ifndef KREL_MESSAGE_H

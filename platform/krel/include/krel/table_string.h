@@ -36,15 +36,19 @@ class BasicTableString {
 
   /// The empty text.
   BasicTableString() noexcept = default;
-  BasicTableString(const std::basic_string<CharT>& text) : BasicTableString(text.data(), text.size()) {}
+  BasicTableString(const std::basic_string<CharT>& text)
+      : BasicTableString(text.data(), text.size()) {}
   explicit BasicTableString(std::basic_string_view<CharT> text)
       : BasicTableString(text.data(), text.size()) {}
-  BasicTableString(const CharT* data, std::size_t size) : block_(size == 0 ? nullptr : allocate(data, size)) {}
+  BasicTableString(const CharT* data, std::size_t size)
+      : block_(size == 0 ? nullptr : allocate(data, size)) {}
 
   BasicTableString(const BasicTableString& other) noexcept : block_(other.block_) {
     if (block_ != nullptr) block_->count.increment();
   }
-  BasicTableString(BasicTableString&& other) noexcept : block_(other.block_) { other.block_ = nullptr; }
+  BasicTableString(BasicTableString&& other) noexcept : block_(other.block_) {
+    other.block_ = nullptr;
+  }
   BasicTableString& operator=(BasicTableString other) noexcept {
     std::swap(block_, other.block_);
     return *this;
@@ -53,7 +57,9 @@ class BasicTableString {
     if (block_ != nullptr && block_->count.decrement()) deallocate(block_);
   }
 
-  [[nodiscard]] const CharT* data() const noexcept { return block_ != nullptr ? chars(block_) : empty_chars(); }
+  [[nodiscard]] const CharT* data() const noexcept {
+    return block_ != nullptr ? chars(block_) : empty_chars();
+  }
   [[nodiscard]] std::size_t size() const noexcept { return block_ != nullptr ? block_->size : 0; }
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }
   [[nodiscard]] const_iterator begin() const noexcept { return data(); }

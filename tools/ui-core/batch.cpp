@@ -1,0 +1,130 @@
+// ui-core batch: runs a file of ui-core command lines, one per line.
+//
+// Each line is split like a shell would split it (blanks separate words;
+// single and double quotes group; a backslash escapes the next character) and
+// run as a separate ui-core process, so one line's options never leak into
+// the next. Blank lines and lines starting with '#' are skipped. The command
+// line is echoed before its output.
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <optional>
+
+#include "command.h"
+
+extern char** environ;
+
+namespace ui_core_tool {
+namespace {
+
+// Shell-like word splitting; empty when a quote is left open.
+std::optional<std::vector<std::string>> split_words(const std::string& line) {
+  std::vector<std::string> words;
+  std::string word;
+  bool in_word = false;
+  char quote = 0;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (quote != 0) {
+      if (c == quote) {
+        quote = 0;
+      } else if (c == '\\' && quote == '"' && i + 1 < line.size()) {
+        word += line[++i];
+      } else {
+        word += c;
+      }
+    } else if (c == '\'' || c == '"') {
+      quote = c;
+      in_word = true;
+    } else if (c == '\\' && i + 1 < line.size()) {
+      word += line[++i];
+      in_word = true;
+    } else if (c == ' ' || c == '\t' || c == '\r') {
+      if (in_word) words.push_back(std::move(word));
+      word.clear();
+      in_word = false;
+    } else {
+      word += c;
+      in_word = true;
+    }
+  }
+  if (quote != 0) return std::nullopt;
+  if (in_word) words.push_back(std::move(word));
+  return words;
+}
+
+// Runs this executable with `args`; its exit code, or -1 if it could not run.
+int run_self(const std::vector<std::string>& args) {
+  std::vector<char*> argv;
+  std::string self = "/proc/self/exe";
+  argv.push_back(self.data());
+  std::vector<std::string> copies = args;
+  for (auto& a : copies) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  std::cout.flush();
+  std::fflush(stdout);
+  pid_t pid = 0;
+  if (posix_spawn(&pid, "/proc/self/exe", nullptr, nullptr, argv.data(), environ) != 0) return -1;
+  int status = 0;
+  while (waitpid(pid, &status, 0) < 0) {
+    if (errno != EINTR) return -1;
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+void setup_batch(CLI::App& app, Outcome& outcome) {
+  auto file = std::make_shared<std::string>();
+  CLI::App* cmd = app.add_subcommand(
+      "batch", "Run a file of ui-core command lines (one per line, '#' comments), e.g. the sample");
+  cmd->add_option("file", *file, "The file of command lines")->required()->check(CLI::ExistingFile);
+  cmd->callback([file, &outcome] {
+    std::ifstream in(*file);
+    if (!in) {
+      std::cerr << "error: cannot read " << *file << '\n';
+      outcome.exit_code = exit_refused;
+      return;
+    }
+    std::string line;
+    std::size_t number = 0;
+    std::size_t ran = 0;
+    std::size_t refused = 0;
+    while (std::getline(in, line)) {
+      ++number;
+      const auto words = split_words(line);
+      if (!words) {
+        std::cerr << *file << ":" << number << ": error: unterminated quote\n";
+        outcome.exit_code = exit_usage;
+        return;
+      }
+      if (words->empty() || (*words)[0].starts_with("#")) continue;
+      if ((*words)[0] == "batch") {
+        std::cerr << *file << ":" << number << ": error: batch files cannot run batch\n";
+        outcome.exit_code = exit_usage;
+        return;
+      }
+      std::cout << "$ ui-core " << line << '\n';
+      const int code = run_self(*words);
+      ++ran;
+      if (code == exit_usage || code < 0) {
+        std::cerr << *file << ":" << number << ": error: bad command line (exit " << code << ")\n";
+        outcome.exit_code = exit_usage;
+        return;
+      }
+      if (code != exit_ok) ++refused;
+      std::cout << '\n';
+    }
+    std::cout << ran << " command(s) run, " << refused << " refused their input\n";
+  });
+}
+
+const Registration batch_registration{"batch", &setup_batch};
+
+}  // namespace
+}  // namespace ui_core_tool
