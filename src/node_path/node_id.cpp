@@ -1,8 +1,11 @@
 #include "ui/core/node_id.h"
 
 #include <algorithm>
+#include <cassert>
+#include <ostream>
 
 #include "krel/ustring.h"
+#include "ui/core/detail/errors.h"
 
 namespace ui::core {
 
@@ -32,7 +35,9 @@ ustring clean_white_space(const ustring& text) {
   return cleaned;
 }
 
-bool is_node_sep_escaped(const ustring& text) noexcept { return find_node_sep(text) == text.cend(); }
+bool is_node_sep_escaped(const ustring& text) noexcept {
+  return find_node_sep(text) == text.cend();
+}
 
 bool is_node_id_head_char(const ustring& text) noexcept {
   return text.empty() || !is_node_sep(text.front());
@@ -53,6 +58,50 @@ bool is_node_path(const ustring& text) noexcept {
   if (n < 2) return true;
   if (!is_node_sep(text[n - 1])) return true;
   return is_node_sep(text[n - 2]);
+}
+
+namespace detail {
+
+std::variant<ustring, ErrorId> NodeIdCheck::operator()(const ustring& text) const {
+  if (!is_node_id(text)) return ErrorId::InvalidNodeId;
+  return clean_white_space(text);
+}
+
+}  // namespace detail
+
+namespace {
+
+ustring stored_or_throw(const ustring& text) {
+  auto checked = detail::NodeIdCheck{}(text);
+  if (auto* stored = std::get_if<ustring>(&checked)) return std::move(*stored);
+  // The message carries the text as the caller gave it, before cleaning.
+  detail::throw_message(detail::invalid_node_id(text));
+}
+
+}  // namespace
+
+NodeId::NodeId(const ui::core::ustring& text) : rep_(krel::Cow<Rep>::make(stored_or_throw(text))) {
+  assert(invariant_() && "NodeIdCheck accepted an invalid identifier");
+}
+
+NodeId::NodeId(Checked, ui::core::ustring&& stored)
+    : rep_(krel::Cow<Rep>::make(std::move(stored))) {
+  assert(invariant_() && "NodeIdCheck accepted an invalid identifier");
+}
+
+std::optional<NodeId> NodeId::make(const ui::core::ustring& text) {
+  auto checked = detail::NodeIdCheck{}(text);
+  auto* stored = std::get_if<ui::core::ustring>(&checked);
+  if (stored == nullptr) return std::nullopt;
+  return NodeId(Checked{}, std::move(*stored));
+}
+
+bool NodeId::invariant_() const noexcept {
+  return is_node_id(rep_.read().text);
+}
+
+std::ostream& operator<<(std::ostream& os, const NodeId& id) {
+  return os << krel::ustring_to_local_encoded_string(id.ustring());
 }
 
 }  // namespace ui::core

@@ -4,23 +4,31 @@
 // A "/" that belongs to an identifier is written doubled, so "//" inside a text
 // is an escaped separator and never splits. The scans here consume pairs from
 // the left: in "a///b" the first two slashes are one escaped "/" and the third
-// is the separator.
+// is the separator. NodeId is the checked identifier that node paths hold.
 //
 //   ui::core::is_node_id(u"a//b");   // true: one identifier holding an escaped "/"
 //   ui::core::is_node_path(u"a/b");  // true: two identifiers
-//   ui::core::find_node_sep(u"a///b") - text.begin();  // 3
+//   ui::core::find_node_sep(text) - text.begin();  // 3 for text u"a///b"
+//   ui::core::NodeId id(u"Body//Frame");  // stored as given, escape kept
+//   ui::core::NodeId bad(u"a/b");         // throws InvalidNodeId with "a/b"
 
 #ifndef UI_CORE_NODE_ID_H
 #define UI_CORE_NODE_ID_H
 
 #include <iosfwd>
+#include <optional>
+#include <utility>
+#include <variant>
 
+#include "krel/cow.h"
 #include "ui/core/errors.h"
 
 namespace ui::core {
 
 /// True exactly for U+002F "/"; a backslash is neither separator nor escape.
-[[nodiscard]] constexpr bool is_node_sep(const char16_t& c) noexcept { return c == u'/'; }
+[[nodiscard]] constexpr bool is_node_sep(const char16_t& c) noexcept {
+  return c == u'/';
+}
 
 /// The first unescaped separator in [first, last), or `last` if there is none.
 /// Pairs of separators are escapes, taken from the left.
@@ -54,6 +62,75 @@ namespace ui::core {
 /// path. Nothing else is examined; the identifiers are checked when the path
 /// is built.
 [[nodiscard]] bool is_node_path(const ustring& text) noexcept;
+
+namespace detail {
+
+/// The check behind NodeId: the text to store (`clean_white_space` of a valid
+/// identifier text), or ErrorId::InvalidNodeId when `is_node_id` is false.
+struct NodeIdCheck {
+  [[nodiscard]] std::variant<ustring, ErrorId> operator()(const ustring& text) const;
+};
+
+}  // namespace detail
+
+/// A checked node identifier: one component of a node path.
+///
+/// Invariant: the text is non-empty, its first and last characters are not "/",
+/// and every "/" in it is half of an escaped pair "//" (`is_node_id` holds).
+/// White space was replaced by spaces when the identifier was built; escapes
+/// stay doubled exactly as given.
+///
+/// Ownership: a handle; copies share one immutable record that the last copy
+/// frees. Moving copies the handle, so a moved-from NodeId keeps its text.
+/// Threads: copies may be used and destroyed on any threads at once; a single
+/// object is like an int (many readers, or one writer).
+class NodeId {
+ public:
+  /// Checks the text and stores it with white space cleaned. Throws
+  /// InvalidNodeId carrying `text` as given (before cleaning) when
+  /// `is_node_id(text)` is false.
+  explicit NodeId(const ui::core::ustring& text);
+
+  /// The non-throwing twin: accepts exactly the texts the constructor accepts.
+  [[nodiscard]] static std::optional<NodeId> make(const ui::core::ustring& text);
+
+  // Copying is the only transfer: a move would leave a handle without a
+  // record, which is not a valid identifier. A copy costs one atomic increment.
+  NodeId(const NodeId&) noexcept = default;
+  NodeId& operator=(const NodeId&) noexcept = default;
+
+  /// The stored text, escapes kept.
+  [[nodiscard]] const ui::core::ustring& ustring() const noexcept { return rep_.read().text; }
+
+  /// True when both refer to one record (one was copied from the other).
+  [[nodiscard]] bool shares_record_with(const NodeId& other) const noexcept {
+    return rep_.shares_with(other.rep_);
+  }
+
+  /// Equal when both share one record, or else when their texts hold the same
+  /// code units (case-sensitive, escapes compared as stored).
+  friend bool operator==(const NodeId& a, const NodeId& b) noexcept {
+    return a.rep_.shares_with(b.rep_) || a.rep_.read().text == b.rep_.read().text;
+  }
+
+ private:
+  struct Rep {
+    krel::RefCount<> count;
+    ui::core::ustring text;
+    explicit Rep(ui::core::ustring&& t) noexcept : text(std::move(t)) {}
+    Rep(const Rep&) = default;
+  };
+
+  struct Checked {};  // selects the constructor for text that already passed the check
+  NodeId(Checked, ui::core::ustring&& stored);
+
+  [[nodiscard]] bool invariant_() const noexcept;
+
+  krel::Cow<Rep> rep_;
+};
+
+/// Writes the text in the narrow encoding of the current locale.
+std::ostream& operator<<(std::ostream& os, const NodeId& id);
 
 }  // namespace ui::core
 

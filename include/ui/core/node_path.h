@@ -1,0 +1,238 @@
+// ui/core/node_path.h - paths that name nodes of a model tree
+//
+// NodePath is a sequence of NodeIds written with "/" between them; NodePath1 is
+// a NodePath that is never empty. Every element is a valid NodeId, so code that
+// receives a path never re-checks its elements.
+//
+// Grammar of the text form, checked in two steps:
+//   path = "" | id *("/" id)     where an id is a NodeId text ("//" is an
+//                                escaped "/" inside it, pairs taken from the left)
+// First `is_node_path` looks at the ends only (no leading "/", no single
+// trailing "/"), and refuses with InvalidNodePath; then the text is split at
+// each unescaped "/" and every piece becomes a NodeId, which refuses with
+// InvalidNodeId and the piece.
+//
+//   ui::core::NodePath1 p(u"Body//Frame/mass");  // ids "Body//Frame", "mass"
+//   p.ustring();                                 // u"Body//Frame/mass"
+//   ui::core::relpath(p, ui::core::NodePath(u"Body//Frame"));  // holds "mass"
+//   ui::core::NodePath(u"/mass");                // throws InvalidNodePath
+//   ui::core::NodePath(u"a///b");                // throws InvalidNodeId with "a//"
+
+#ifndef UI_CORE_NODE_PATH_H
+#define UI_CORE_NODE_PATH_H
+
+#include <cassert>
+#include <cstddef>
+#include <iosfwd>
+#include <optional>
+#include <vector>
+
+#include "krel/cow.h"
+#include "ui/core/errors.h"
+#include "ui/core/node_id.h"
+
+namespace ui::core {
+
+/// The sequence of identifiers and its text form, shared by NodePath and
+/// NodePath1.
+///
+/// Ownership: a handle; copies share one immutable record, and a change copies
+/// first. Every non-const accessor (`ids()`, `begin()`, `end()`, `rbegin()`,
+/// `rend()`, `front()`, `back()`, `push_back`) is a change: on a shared record
+/// it copies the sequence into a record of its own first, so iterators taken
+/// from a path before it was copied may point into the copy's record. Const
+/// accessors never copy. Empty paths share one process-wide record and never
+/// allocate.
+/// Threads: copies may be used and destroyed on any threads at once; a single
+/// object is like an int (many readers, or one writer).
+class NodePathBase {
+ public:
+  using value_type = NodeId;
+  using size_type = std::size_t;
+  using container_type = std::vector<NodeId>;
+  using iterator = container_type::iterator;
+  using const_iterator = container_type::const_iterator;
+  using reverse_iterator = container_type::reverse_iterator;
+  using const_reverse_iterator = container_type::const_reverse_iterator;
+
+  /// The empty path.
+  NodePathBase() noexcept = default;
+
+  /// Parses a path text (see the grammar at the top of this file). Throws
+  /// InvalidNodePath with `text` when `is_node_path(text)` is false, and
+  /// InvalidNodeId with the piece when a piece is not an identifier.
+  explicit NodePathBase(const ui::core::ustring& text);
+
+  /// The path of these identifiers, in order.
+  explicit NodePathBase(const std::vector<NodeId>& ids);
+  explicit NodePathBase(std::vector<NodeId>&& ids);
+
+  /// The path of one identifier.
+  explicit NodePathBase(const NodeId& id);
+
+  [[nodiscard]] const std::vector<NodeId>& ids() const noexcept { return rep_.read().ids; }
+  /// Copies a shared record first.
+  [[nodiscard]] std::vector<NodeId>& ids() { return rep_.write().ids; }
+
+  [[nodiscard]] const_iterator begin() const noexcept { return ids().begin(); }
+  [[nodiscard]] const_iterator end() const noexcept { return ids().end(); }
+  [[nodiscard]] const_iterator cbegin() const noexcept { return ids().begin(); }
+  [[nodiscard]] const_iterator cend() const noexcept { return ids().end(); }
+  [[nodiscard]] const_reverse_iterator rbegin() const noexcept { return ids().rbegin(); }
+  [[nodiscard]] const_reverse_iterator rend() const noexcept { return ids().rend(); }
+  [[nodiscard]] iterator begin() { return ids().begin(); }
+  [[nodiscard]] iterator end() { return ids().end(); }
+  [[nodiscard]] reverse_iterator rbegin() { return ids().rbegin(); }
+  [[nodiscard]] reverse_iterator rend() { return ids().rend(); }
+
+  /// The first and last identifier; the path must not be empty.
+  [[nodiscard]] const NodeId& front() const noexcept {
+    assert(!empty() && "front() of an empty node path");
+    return ids().front();
+  }
+  [[nodiscard]] const NodeId& back() const noexcept {
+    assert(!empty() && "back() of an empty node path");
+    return ids().back();
+  }
+  [[nodiscard]] NodeId& front() {
+    assert(!empty() && "front() of an empty node path");
+    return ids().front();
+  }
+  [[nodiscard]] NodeId& back() {
+    assert(!empty() && "back() of an empty node path");
+    return ids().back();
+  }
+
+  [[nodiscard]] size_type size() const noexcept { return ids().size(); }
+  [[nodiscard]] bool empty() const noexcept { return ids().empty(); }
+
+  /// Appends one identifier. If growing fails, the path keeps its identifiers.
+  void push_back(const NodeId& id) { ids().push_back(id); }
+
+  /// The text form: the identifiers' texts joined by "/", escapes kept, so
+  /// parsing it gives an equal path. The empty path gives the empty text.
+  [[nodiscard]] ui::core::ustring ustring() const;
+
+  /// True when both refer to one record. All empty paths built without a
+  /// change share the process-wide empty record.
+  [[nodiscard]] bool shares_storage_with(const NodePathBase& other) const noexcept {
+    return rep_.shares_with(other.rep_);
+  }
+
+  /// Element-wise equality of identifiers (NodeId's `==`).
+  friend bool operator==(const NodePathBase& a, const NodePathBase& b) noexcept;
+
+ protected:
+  /// Appends `other`'s identifiers: nothing when `other` is empty, a share of
+  /// its record when this path is empty, otherwise one copy of this path's
+  /// record if shared and one reservation for both lengths. On failure the path
+  /// keeps its identifiers. `other` may be this path.
+  void append_(const NodePathBase& other);
+
+ private:
+  struct Rep {
+    krel::RefCount<> count;
+    std::vector<NodeId> ids;
+
+    constexpr explicit Rep(krel::SharedEmptyTag) noexcept : count(krel::shared_empty_tag) {}
+    explicit Rep(std::vector<NodeId>&& v) noexcept : ids(std::move(v)) {}
+    Rep(const Rep&) = default;
+
+    /// The record of every empty path; built at compile time, never freed.
+    static Rep& shared_empty() noexcept;
+  };
+
+  /// The handle of a new record holding `ids`, or of the shared empty record.
+  [[nodiscard]] static krel::Cow<Rep> adopt_(std::vector<NodeId>&& ids);
+
+  krel::Cow<Rep> rep_;
+};
+
+/// Writes the text form in the narrow encoding of the current locale.
+std::ostream& operator<<(std::ostream& os, const NodePathBase& path);
+
+/// A node path that may be empty, with concatenation.
+///
+/// Ownership and threads as NodePathBase: copies share one record, a change
+/// copies first; copies may be used and destroyed on any threads at once.
+class NodePath : public NodePathBase {
+ public:
+  using NodePathBase::NodePathBase;
+
+  NodePath() noexcept = default;
+
+  /// A path with `other`'s identifiers, sharing its record.
+  explicit NodePath(const NodePathBase& other) noexcept : NodePathBase(other) {}
+
+  /// The non-throwing twin of the constructor from text: empty exactly when
+  /// that constructor throws.
+  [[nodiscard]] static std::optional<NodePath> make(const ui::core::ustring& text);
+
+  /// Appends `other`'s identifiers in order (see NodePathBase::append_).
+  NodePath& operator+=(const NodePathBase& other) {
+    append_(other);
+    return *this;
+  }
+};
+
+[[nodiscard]] inline NodePath operator+(NodePath lhs, const NodePathBase& rhs) {
+  lhs += rhs;
+  return lhs;
+}
+
+/// A node path that is never empty.
+///
+/// Invariant: at least one identifier. Every constructor and `+=` establishes
+/// it and `check_()` verifies it; code that edits `ids()` directly must keep
+/// one identifier and may call `check_()` afterwards.
+///
+/// Ownership and threads as NodePathBase. Moving copies the handle (one atomic
+/// increment), so a moved-from NodePath1 keeps its identifiers and the
+/// invariant. There is no default constructor.
+class NodePath1 : public NodePathBase {
+ public:
+  /// Parses as NodePath does, then throws InvalidNodePath1 with the empty text
+  /// when the path is empty.
+  explicit NodePath1(const ui::core::ustring& text);
+
+  /// Takes over the record of `path` (no copy of its identifiers), then throws
+  /// InvalidNodePath1 when it is empty.
+  explicit NodePath1(NodePath path);
+
+  /// The path of one identifier; never throws a message.
+  explicit NodePath1(const NodeId& id) : NodePathBase(id) {}
+
+  /// The path of these identifiers; throws InvalidNodePath1 when there are none.
+  explicit NodePath1(const std::vector<NodeId>& ids);
+  explicit NodePath1(std::vector<NodeId>&& ids);
+
+  NodePath1(const NodePath1&) noexcept = default;
+  NodePath1& operator=(const NodePath1&) noexcept = default;
+
+  /// The non-throwing twin of the constructor from text: empty exactly when
+  /// that constructor throws.
+  [[nodiscard]] static std::optional<NodePath1> make(const ui::core::ustring& text);
+
+  /// Appends `other`'s identifiers in order, then checks the invariant.
+  NodePath1& operator+=(const NodePathBase& other);
+
+  /// Throws InvalidNodePath1 with the path's text form unless it holds at least
+  /// one identifier.
+  void check_() const;
+};
+
+[[nodiscard]] inline NodePath1 operator+(NodePath1 lhs, const NodePathBase& rhs) {
+  lhs += rhs;
+  return lhs;
+}
+
+/// The rest of `path` after `base`, when `base` is a prefix of `path`; empty
+/// (no value) otherwise. Identifiers match when they share a record or have the
+/// same text. An empty base gives a copy of `path`; a base equal to `path`
+/// gives the empty path. The result shares the identifiers' records. Never
+/// throws a message: a mismatch is reported only through the empty result.
+[[nodiscard]] std::optional<NodePath> relpath(const NodePathBase& path, const NodePathBase& base);
+
+}  // namespace ui::core
+
+#endif  // UI_CORE_NODE_PATH_H

@@ -1,0 +1,231 @@
+// krel/shared_vector.h - a copy-on-write vector whose copies share one block
+//
+// SharedVector<T> holds its elements in one heap block: a header {reference
+// count, capacity, size} followed directly by the elements. Copying a vector
+// copies one pointer and increments the count; the first change through a copy
+// that shares its block gives that copy a block of its own. Value types that are
+// sequences (object paths, for one) hold a SharedVector, so that passing them
+// around never copies their elements.
+//
+//   krel::SharedVector<int> a;
+//   a.push_back(1);
+//   krel::SharedVector<int> b = a;  // shares a's block
+//   b.push_back(2);                 // b copies first; a still holds {1}
+//
+// Growth: whenever a vector must hold more elements than its block has room
+// for, or its block is shared, it moves to a new block whose total byte size
+// (header and element slots) is the smallest power of two that fits the header
+// and the elements; the capacity is as many elements as that block holds. So
+// repeated appends cost amortised constant time.
+
+#ifndef KREL_SHARED_VECTOR_H
+#define KREL_SHARED_VECTOR_H
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <initializer_list>
+#include <limits>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "krel/cow.h"
+
+namespace krel {
+
+/// Ownership: a handle to a shared block of elements; copies share it and a
+/// change copies the elements first when the block is shared, so no copy ever
+/// sees another's changes. A null block is the empty vector; reads of it go to
+/// one static empty block that is never freed.
+/// Threads: copies may be made, read and destroyed on any threads at once; a
+/// single vector is like an int (many readers, or one writer).
+/// Exceptions: every change gives the strong guarantee; if copying an element
+/// throws, the vector keeps its elements, its block and its capacity.
+template <class T>
+class SharedVector {
+  static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__,
+                "SharedVector allocates with the default alignment of operator new");
+
+ public:
+  using value_type = T;
+  using size_type = std::size_t;
+  using const_iterator = const T*;
+  using const_reference = const T&;
+
+  /// The empty vector; allocates nothing.
+  SharedVector() noexcept = default;
+
+  SharedVector(std::initializer_list<T> values) { grow_and_append(0, values.begin(), values.size()); }
+
+  SharedVector(const SharedVector& other) noexcept : block_(other.block_) {
+    if (block_ != nullptr) block_->count.increment();
+  }
+  SharedVector(SharedVector&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
+  SharedVector& operator=(SharedVector other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~SharedVector() { release(block_); }
+
+  void swap(SharedVector& other) noexcept { std::swap(block_, other.block_); }
+
+  [[nodiscard]] size_type size() const noexcept { return header().size; }
+  [[nodiscard]] bool empty() const noexcept { return size() == 0; }
+  /// How many elements the block holds room for; 0 for the empty vector.
+  [[nodiscard]] size_type capacity() const noexcept { return header().capacity; }
+
+  [[nodiscard]] const T* data() const noexcept { return elements(header()); }
+  [[nodiscard]] const_iterator begin() const noexcept { return data(); }
+  [[nodiscard]] const_iterator end() const noexcept { return data() + size(); }
+
+  /// Element i, for i < size().
+  [[nodiscard]] const T& operator[](size_type i) const noexcept { return data()[i]; }
+  /// Element i; throws std::out_of_range when i >= size().
+  [[nodiscard]] const T& at(size_type i) const {
+    if (i >= size()) throw std::out_of_range("krel::SharedVector::at");
+    return data()[i];
+  }
+  [[nodiscard]] const T& front() const noexcept { return data()[0]; }
+  [[nodiscard]] const T& back() const noexcept { return data()[size() - 1]; }
+
+  /// Appends a copy of `value`, which may be an element of this vector.
+  void push_back(const T& value) { grow_and_append(0, &value, 1); }
+
+  /// Appends copies of other's elements; `other` may be this vector. Appending
+  /// an empty vector changes nothing (not even the sharing).
+  void append(const SharedVector& other) {
+    if (other.empty()) return;
+    grow_and_append(0, other.data(), other.size());
+  }
+
+  /// Makes the block this vector's own with room for at least n elements.
+  void reserve(size_type n) { grow_and_append(n, nullptr, 0); }
+
+  /// True when both vectors refer to one block (or both are empty and null).
+  [[nodiscard]] bool shares_with(const SharedVector& other) const noexcept {
+    return block_ == other.block_;
+  }
+
+  /// How many vectors share the block (1 for the empty vector), for tests and
+  /// diagnostics; stale as soon as it is read.
+  [[nodiscard]] std::size_t use_count() const noexcept { return header().count.value(); }
+
+  /// The total byte size of a block that holds the header and n elements: the
+  /// smallest power of two that fits them. Throws std::length_error when no
+  /// such size exists.
+  [[nodiscard]] static std::size_t block_bytes(size_type n) {
+    constexpr std::size_t max = std::numeric_limits<std::size_t>::max();
+    constexpr std::size_t largest_power = (max >> 1) + 1;
+    if (n > (max - elements_offset) / sizeof(T) ||
+        elements_offset + n * sizeof(T) > largest_power) {
+      throw std::length_error("krel::SharedVector: too many elements");
+    }
+    return std::bit_ceil(elements_offset + n * sizeof(T));
+  }
+
+  friend bool operator==(const SharedVector& a, const SharedVector& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end());
+  }
+
+ private:
+  struct Header {
+    RefCount<> count;
+    std::size_t capacity;
+    std::size_t size;
+  };
+
+  // The elements start at the first position after the header that suits T.
+  static constexpr std::size_t elements_offset =
+      (sizeof(Header) + alignof(T) - 1) / alignof(T) * alignof(T);
+
+  // The block that reads of an empty vector see: count 1, capacity 0, size 0,
+  // built once on first use (the static guard makes the first use thread-safe)
+  // and never freed. Its storage is sized like a block with no slots, so its
+  // element pointer is a valid end pointer.
+  struct EmptyBlock {
+    Header header;
+    alignas(T) unsigned char end[elements_offset - sizeof(Header) + 1];
+  };
+  static const Header& empty_header() noexcept {
+    static const EmptyBlock empty{Header{RefCount<>{}, 0, 0}, {}};
+    return empty.header;
+  }
+
+  const Header& header() const noexcept { return block_ != nullptr ? *block_ : empty_header(); }
+
+  static T* elements(Header* block) noexcept {
+    return reinterpret_cast<T*>(reinterpret_cast<unsigned char*>(block) + elements_offset);
+  }
+  static const T* elements(const Header& block) noexcept {
+    return reinterpret_cast<const T*>(reinterpret_cast<const unsigned char*>(&block) +
+                                      elements_offset);
+  }
+
+  // Destroys a block's elements, last to first, and frees it.
+  static void destroy(Header* block) noexcept {
+    T* first = elements(block);
+    for (std::size_t i = block->size; i != 0; --i) std::destroy_at(first + (i - 1));
+    block->~Header();
+    ::operator delete(static_cast<void*>(block));
+  }
+
+  static void release(Header* block) noexcept {
+    if (block != nullptr && block->count.decrement()) destroy(block);
+  }
+
+  // Copies [src, src + count) into uninitialised slots at dst; if a copy
+  // throws, the copies already made are destroyed and the exception passes on.
+  static void copy_into(T* dst, const T* src, std::size_t count) {
+    std::size_t done = 0;
+    try {
+      for (; done < count; ++done) std::construct_at(dst + done, src[done]);
+    } catch (...) {
+      for (; done != 0; --done) std::destroy_at(dst + (done - 1));
+      throw;
+    }
+  }
+
+  // The one place that detaches and grows. Before this vector holds `wanted`
+  // (at least size() + count) elements: a block that is this vector's own and
+  // has the room is used as it is; otherwise a new block of block_bytes() is
+  // allocated and the existing elements are copied (never moved: the old block
+  // may still be read through other copies, and copying keeps the strong
+  // guarantee). Then the `count` elements at `extra` are copied to the end.
+  //
+  // `extra` may point into this vector's own elements: in place they are read
+  // from slots below size() while the writes go above it, and otherwise the old
+  // block is released only after everything has been copied.
+  void grow_and_append(std::size_t wanted, const T* extra, std::size_t count) {
+    const std::size_t old_size = size();
+    const std::size_t n = std::max(wanted, old_size + count);
+    if (n == 0 && block_ == nullptr) return;  // the empty vector needs no block
+    // Acquire in is_one() orders the other copies' last reads of the block
+    // before the writes below.
+    if (block_ != nullptr && block_->count.is_one() && block_->capacity >= n) {
+      copy_into(elements(block_) + old_size, extra, count);
+      block_->size = old_size + count;
+      return;
+    }
+    const std::size_t bytes = block_bytes(n);
+    void* raw = ::operator new(bytes);  // std::bad_alloc when memory runs out
+    Header* fresh = ::new (raw) Header{RefCount<>{}, (bytes - elements_offset) / sizeof(T), 0};
+    try {
+      copy_into(elements(fresh), data(), old_size);
+      fresh->size = old_size;
+      copy_into(elements(fresh) + old_size, extra, count);
+      fresh->size = old_size + count;
+    } catch (...) {
+      destroy(fresh);
+      throw;
+    }
+    release(std::exchange(block_, fresh));
+  }
+
+  Header* block_ = nullptr;
+};
+
+}  // namespace krel
+
+#endif  // KREL_SHARED_VECTOR_H

@@ -1,0 +1,172 @@
+#include "ui/core/node_path.h"
+
+#include <algorithm>
+#include <ostream>
+#include <utility>
+#include <variant>
+
+#include "krel/ustring.h"
+#include "ui/core/detail/errors.h"
+
+namespace ui::core {
+namespace {
+
+using Parsed = std::variant<std::vector<NodeId>, detail::MsgId>;
+
+// The one parser behind both faces: the identifiers of a path text, or the
+// message that refuses it. Nothing is built unless every piece is valid.
+Parsed parse_node_path(const ustring& text) {
+  if (!is_node_path(text)) return detail::invalid_node_path(text);
+  std::vector<NodeId> ids;
+  if (text.empty()) return ids;
+
+  // One piece more than there are unescaped separators; counting first lets
+  // the sequence be allocated once.
+  std::size_t pieces = 1;
+  for (auto it = find_node_sep(text); it != text.cend(); it = find_node_sep(it + 1, text.cend())) {
+    ++pieces;
+  }
+  ids.reserve(pieces);
+
+  // is_node_path has ruled out a trailing single "/", so the last piece runs to
+  // the end of the text; a separator found there would end the loop without an
+  // empty piece, and the piece before it (ending in "/") is refused anyway.
+  auto first = text.cbegin();
+  while (first != text.cend()) {
+    const auto sep = find_node_sep(first, text.cend());
+    const ustring piece(first, sep);
+    auto id = NodeId::make(piece);
+    if (!id) return detail::invalid_node_id(piece);
+    ids.push_back(std::move(*id));
+    if (sep == text.cend()) break;
+    first = sep + 1;
+  }
+  return ids;
+}
+
+std::vector<NodeId> ids_or_throw(const ustring& text) {
+  Parsed parsed = parse_node_path(text);
+  if (auto* ids = std::get_if<std::vector<NodeId>>(&parsed)) return std::move(*ids);
+  detail::throw_message(std::move(std::get<detail::MsgId>(parsed)));
+}
+
+}  // namespace
+
+NodePathBase::Rep& NodePathBase::Rep::shared_empty() noexcept {
+  // A union member is not destroyed with the union, so the record outlives
+  // every path, including paths with static storage duration that are
+  // destroyed after this function's statics.
+  union Holder {
+    constexpr Holder() noexcept : rep(krel::shared_empty_tag) {}
+    ~Holder() {}
+    Rep rep;
+  };
+  static constinit Holder holder;
+  return holder.rep;
+}
+
+krel::Cow<NodePathBase::Rep> NodePathBase::adopt_(std::vector<NodeId>&& ids) {
+  if (ids.empty()) return krel::Cow<Rep>();
+  return krel::Cow<Rep>::make(std::move(ids));
+}
+
+NodePathBase::NodePathBase(const ui::core::ustring& text) : rep_(adopt_(ids_or_throw(text))) {}
+
+NodePathBase::NodePathBase(const std::vector<NodeId>& ids)
+    : rep_(adopt_(std::vector<NodeId>(ids))) {}
+
+NodePathBase::NodePathBase(std::vector<NodeId>&& ids) : rep_(adopt_(std::move(ids))) {}
+
+NodePathBase::NodePathBase(const NodeId& id) : rep_(adopt_(std::vector<NodeId>{id})) {}
+
+ui::core::ustring NodePathBase::ustring() const {
+  const auto& v = ids();
+  if (v.empty()) return {};
+  std::size_t length = v.size() - 1;
+  for (const NodeId& id : v) length += id.ustring().size();
+  ui::core::ustring text;
+  text.reserve(length);
+  text += v.front().ustring();
+  for (auto it = v.begin() + 1; it != v.end(); ++it) {
+    text += u'/';
+    text += it->ustring();
+  }
+  return text;
+}
+
+bool operator==(const NodePathBase& a, const NodePathBase& b) noexcept {
+  return a.shares_storage_with(b) || a.ids() == b.ids();
+}
+
+void NodePathBase::append_(const NodePathBase& other) {
+  if (other.empty()) return;
+  if (empty()) {
+    rep_ = other.rep_;
+    return;
+  }
+  // Hold a share of `other`'s record. When it is this path's record (`other` is
+  // this path or a copy of it), the write below then copies, so the identifiers
+  // being appended stay where they are while the sequence grows.
+  const krel::Cow<Rep> source = other.rep_;
+  const std::vector<NodeId>& from = source.read().ids;
+  std::vector<NodeId>& to = rep_.write().ids;
+  // reserve is the only step that can fail; once it succeeded, copying NodeIds
+  // cannot throw, so the path is either unchanged or fully appended.
+  to.reserve(to.size() + from.size());
+  to.insert(to.end(), from.begin(), from.end());
+}
+
+std::ostream& operator<<(std::ostream& os, const NodePathBase& path) {
+  return os << krel::ustring_to_local_encoded_string(path.ustring());
+}
+
+std::optional<NodePath> NodePath::make(const ui::core::ustring& text) {
+  Parsed parsed = parse_node_path(text);
+  auto* ids = std::get_if<std::vector<NodeId>>(&parsed);
+  if (ids == nullptr) return std::nullopt;
+  return NodePath(std::move(*ids));
+}
+
+NodePath1::NodePath1(const ui::core::ustring& text) : NodePathBase(text) {
+  check_();
+}
+
+NodePath1::NodePath1(NodePath path) : NodePathBase(std::move(path)) {
+  check_();
+}
+
+NodePath1::NodePath1(const std::vector<NodeId>& ids) : NodePathBase(ids) {
+  check_();
+}
+
+NodePath1::NodePath1(std::vector<NodeId>&& ids) : NodePathBase(std::move(ids)) {
+  check_();
+}
+
+std::optional<NodePath1> NodePath1::make(const ui::core::ustring& text) {
+  Parsed parsed = parse_node_path(text);
+  auto* ids = std::get_if<std::vector<NodeId>>(&parsed);
+  if (ids == nullptr || ids->empty()) return std::nullopt;
+  return NodePath1(std::move(*ids));
+}
+
+NodePath1& NodePath1::operator+=(const NodePathBase& other) {
+  append_(other);
+  check_();
+  return *this;
+}
+
+void NodePath1::check_() const {
+  if (empty()) detail::throw_message(detail::invalid_node_path1(ustring()));
+}
+
+std::optional<NodePath> relpath(const NodePathBase& path, const NodePathBase& base) {
+  const std::vector<NodeId>& p = path.ids();
+  const std::vector<NodeId>& b = base.ids();
+  if (b.size() > p.size()) return std::nullopt;
+  if (!std::equal(b.begin(), b.end(), p.begin())) return std::nullopt;
+  if (b.size() == p.size()) return NodePath();
+  return NodePath(std::vector<NodeId>(p.begin() + static_cast<std::ptrdiff_t>(b.size()), p.end()));
+}
+
+}  // namespace ui::core

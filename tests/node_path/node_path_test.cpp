@@ -1,0 +1,710 @@
+#include "ui/core/node_path.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <random>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "alloc_counter.h"
+#include "expect_error.h"
+
+namespace {
+
+using namespace ui::core;
+using test_support::text_arg;
+using test_support::throws_error;
+
+std::vector<ustring> texts_of(const NodePathBase& path) {
+  std::vector<ustring> texts;
+  for (const NodeId& id : std::as_const(path)) texts.push_back(id.ustring());
+  return texts;
+}
+
+std::string utf8(const ustring& text) {
+  return krel::ustring_to_utf8_string(text);
+}
+
+// ---------------------------------------------------------------- parsing
+
+TEST(NodePath, EmptyTextParsesToEmptyPath) {
+  const NodePath p(u"");
+  EXPECT_TRUE(p.empty());
+  EXPECT_EQ(p.size(), 0u);
+  EXPECT_EQ(p.ustring(), u"");
+}
+
+TEST(NodePath, SeparatorSplitsTextIntoIdentifiers) {
+  const NodePath p(u"a/b");
+  EXPECT_EQ(texts_of(p), (std::vector<ustring>{u"a", u"b"}));
+  EXPECT_EQ(texts_of(NodePath(u"x/y z/w")), (std::vector<ustring>{u"x", u"y z", u"w"}));
+}
+
+TEST(NodePath, EscapedSeparatorStaysInOneIdentifier) {
+  const NodePath p(u"a//b");
+  ASSERT_EQ(p.size(), 1u);
+  EXPECT_EQ(p.front().ustring(), u"a//b");
+}
+
+TEST(NodePath, SplitsBodyFrameMassIntoTwoIdentifiers) {
+  const NodePath1 p(u"Body//Frame/mass");
+  EXPECT_EQ(texts_of(p), (std::vector<ustring>{u"Body//Frame", u"mass"}));
+}
+
+TEST(NodePath, RejectsSeparatorAtEitherEndWithInvalidNodePath) {
+  for (const ustring text : {u"/a", u"a/", u"/", u"a/b/", u"//a", u"//"}) {
+    EXPECT_TRUE(throws_error([&] { NodePath p(text); }, ErrorId::InvalidNodePath, {text_arg(text)}))
+        << utf8(text);
+  }
+}
+
+TEST(NodePath, TripleSlashFailsOnTheLeftPieceWithInvalidNodeId) {
+  // Pairs are taken from the left, so the first piece of "a///b" is "a//",
+  // which ends with "/".
+  EXPECT_TRUE(
+      throws_error([] { NodePath p(u"a///b"); }, ErrorId::InvalidNodeId, {text_arg(u"a//")}));
+}
+
+TEST(NodePath, TextEndingInAnEscapePassesTheTextCheckButNotTheIdentifierCheck) {
+  EXPECT_TRUE(is_node_path(u"a//"));
+  EXPECT_TRUE(throws_error([] { NodePath p(u"a//"); }, ErrorId::InvalidNodeId, {text_arg(u"a//")}));
+  EXPECT_TRUE(
+      throws_error([] { NodePath p(u"x/b//"); }, ErrorId::InvalidNodeId, {text_arg(u"b//")}));
+  EXPECT_TRUE(
+      throws_error([] { NodePath p(u"a///"); }, ErrorId::InvalidNodeId, {text_arg(u"a//")}));
+}
+
+TEST(NodePath, WhiteSpaceIsCleanedPerIdentifier) {
+  EXPECT_EQ(texts_of(NodePath(u"a\tb/\nc")), (std::vector<ustring>{u"a b", u" c"}));
+}
+
+TEST(NodePath, InvalidPieceErrorCarriesThePieceBeforeCleaning) {
+  EXPECT_TRUE(throws_error([] { NodePath p(u"x\ty/a\t///b"); }, ErrorId::InvalidNodeId,
+                           {text_arg(u"a\t//")}));
+}
+
+TEST(NodePath, FirstInvalidPieceIsTheOneReported) {
+  EXPECT_TRUE(throws_error([] { NodePath p(u"ok/a///b/c///d"); }, ErrorId::InvalidNodeId,
+                           {text_arg(u"a//")}));
+}
+
+TEST(NodePath, MakeAcceptsExactlyWhatTheConstructorAccepts) {
+  const std::vector<ustring> texts = {u"",      u"a",      u"a/b",   u"a//b",  u"/a",
+                                      u"a/",    u"/",      u"a//",   u"a///b", u"a b/c",
+                                      u"a/b/c", u"a////b", u"x\t/y", u"//",    u"a/b//"};
+  for (const ustring& text : texts) {
+    bool threw = false;
+    std::optional<NodePath> built;
+    try {
+      built.emplace(text);
+    } catch (const krel::MessageException&) {
+      threw = true;
+    }
+    const auto made = NodePath::make(text);
+    EXPECT_EQ(made.has_value(), !threw) << utf8(text);
+    if (made && built) {
+      EXPECT_EQ(*made, *built) << utf8(text);
+    }
+
+    bool threw1 = false;
+    try {
+      const NodePath1 p1(text);
+    } catch (const krel::MessageException&) {
+      threw1 = true;
+    }
+    EXPECT_EQ(NodePath1::make(text).has_value(), !threw1) << utf8(text);
+  }
+}
+
+TEST(NodePath, BuildsFromIdentifiersAndSharesTheirRecords) {
+  const NodeId a(u"a");
+  const NodeId b(u"b//c");
+  const NodePath p(std::vector<NodeId>{a, b});
+  EXPECT_EQ(p.ustring(), u"a/b//c");
+  EXPECT_TRUE(p.front().shares_record_with(a));
+  EXPECT_TRUE(p.back().shares_record_with(b));
+
+  const NodePath one(a);
+  ASSERT_EQ(one.size(), 1u);
+  EXPECT_TRUE(one.front().shares_record_with(a));
+}
+
+// ---------------------------------------------------------------- text form
+
+TEST(NodePath, TextFormJoinsIdentifiersWithSeparator) {
+  NodePath p;
+  EXPECT_EQ(p.ustring(), u"");
+  p.push_back(NodeId(u"Body//Frame"));
+  EXPECT_EQ(p.ustring(), u"Body//Frame");
+  p.push_back(NodeId(u"mass"));
+  EXPECT_EQ(p.ustring(), u"Body//Frame/mass");
+}
+
+TEST(NodePath, StreamsItsTextForm) {
+  std::ostringstream os;
+  os << NodePath(u"a//b/c\td") << '|' << NodePath();
+  EXPECT_EQ(os.str(), "a//b/c d|");
+}
+
+// The text forms of generated paths parse back to the same path. Identifiers
+// are made of letters, white space, punctuation, a non-ASCII letter and
+// escaped separators, so every rule of the grammar is exercised.
+TEST(NodePathProperty, TextFormOfGeneratedPathParsesToEqualPath) {
+  std::mt19937 rng(20240611u);
+  const std::u16string inner = u"ab Z\t.,\\-\u00fc\n";
+  auto pick = [&](std::size_t n) {
+    return std::uniform_int_distribution<std::size_t>(0, n - 1)(rng);
+  };
+  for (int round = 0; round < 2000; ++round) {
+    std::vector<ustring> generated;
+    const std::size_t count = pick(6);
+    for (std::size_t i = 0; i < count; ++i) {
+      // An identifier starts and ends with a non-"/" character; in between,
+      // characters and escaped separators.
+      ustring id(1, inner[pick(inner.size())]);
+      const std::size_t middle = pick(5);
+      for (std::size_t k = 0; k < middle; ++k) {
+        if (pick(3) == 0) {
+          id += u"//";
+        } else {
+          id += inner[pick(inner.size())];
+        }
+      }
+      if (id.back() == u'/') id += inner[pick(inner.size())];
+      generated.push_back(id);
+    }
+    ustring text;
+    for (std::size_t i = 0; i < generated.size(); ++i) text += (i ? u"/" : u"") + generated[i];
+
+    ASSERT_TRUE(is_node_path(text)) << utf8(text);
+    const NodePath p(text);
+    ASSERT_EQ(p.size(), generated.size()) << utf8(text);
+    for (std::size_t i = 0; i < generated.size(); ++i) {
+      EXPECT_EQ(p.ids()[i].ustring(), clean_white_space(generated[i])) << utf8(text);
+    }
+    EXPECT_EQ(p.ustring(), clean_white_space(text)) << utf8(text);
+    EXPECT_EQ(NodePath(p.ustring()), p) << utf8(text);
+  }
+}
+
+// Arbitrary short texts over "a", "/", " " and tab either parse and round
+// trip, or fail with the message the grammar predicts.
+TEST(NodePathProperty, ArbitraryTextParsesOrFailsWithThePredictedMessage) {
+  std::mt19937 rng(7u);
+  const std::u16string alphabet = u"a/ \t";
+  for (int round = 0; round < 3000; ++round) {
+    const std::size_t length = std::uniform_int_distribution<std::size_t>(0, 8)(rng);
+    ustring text;
+    for (std::size_t i = 0; i < length; ++i) {
+      text += alphabet[std::uniform_int_distribution<std::size_t>(0, alphabet.size() - 1)(rng)];
+    }
+    const auto made = NodePath::make(text);
+    try {
+      const NodePath p(text);
+      ASSERT_TRUE(made.has_value()) << utf8(text);
+      EXPECT_EQ(*made, p);
+      EXPECT_EQ(p.ustring(), clean_white_space(text)) << utf8(text);
+      EXPECT_EQ(NodePath(p.ustring()), p) << utf8(text);
+    } catch (const krel::MessageException& e) {
+      EXPECT_FALSE(made.has_value()) << utf8(text);
+      if (!is_node_path(text)) {
+        EXPECT_TRUE(is_error(e, ErrorId::InvalidNodePath)) << utf8(text);
+      } else {
+        ASSERT_TRUE(is_error(e, ErrorId::InvalidNodeId)) << utf8(text);
+        const auto& args = e.message().id().arguments;
+        ASSERT_EQ(args.size(), 1u);
+        const ustring& piece = std::get<2>(args[0]);
+        EXPECT_FALSE(is_node_id(piece)) << utf8(text);
+        EXPECT_NE(text.find(piece), ustring::npos) << utf8(text);
+      }
+    }
+  }
+}
+
+// ---------------------------------------------------------------- access
+
+TEST(NodePath, IteratesFirstToLastAndLastToFirst) {
+  const NodePath p(u"a/b/c");
+  std::vector<ustring> forward;
+  for (auto it = p.begin(); it != p.end(); ++it) forward.push_back(it->ustring());
+  std::vector<ustring> backward;
+  for (auto it = p.rbegin(); it != p.rend(); ++it) backward.push_back(it->ustring());
+  EXPECT_EQ(forward, (std::vector<ustring>{u"a", u"b", u"c"}));
+  EXPECT_EQ(backward, (std::vector<ustring>{u"c", u"b", u"a"}));
+  EXPECT_EQ(p.front().ustring(), u"a");
+  EXPECT_EQ(p.back().ustring(), u"c");
+  EXPECT_EQ(p.cend() - p.cbegin(), 3);
+}
+
+TEST(NodePath, NonConstIteratorsCanReplaceIdentifiers) {
+  NodePath p(u"a/b/c");
+  *p.begin() = NodeId(u"x");
+  *p.rbegin() = NodeId(u"z");
+  EXPECT_EQ(p.ustring(), u"x/b/z");
+  p.front() = NodeId(u"first");
+  p.back() = NodeId(u"last");
+  EXPECT_EQ(p.ustring(), u"first/b/last");
+}
+
+TEST(NodePath, EqualityComparesIdentifiersElementWise) {
+  EXPECT_EQ(NodePath(u"a/b"), NodePath(u"a/b"));
+  EXPECT_NE(NodePath(u"a/b"), NodePath(u"a/c"));
+  EXPECT_NE(NodePath(u"a/b"), NodePath(u"a"));
+  EXPECT_NE(NodePath(u"a//b"), NodePath(u"a/b"));
+  EXPECT_EQ(NodePath(), NodePath(u""));
+  EXPECT_EQ(NodePath(u"a\tb"), NodePath(u"a b"));
+  EXPECT_EQ(NodePath1(u"a/b"), NodePath(u"a/b"));
+}
+
+// ---------------------------------------------------------------- sharing
+
+TEST(NodePath, CopySharesStorage) {
+  const NodePath p(u"a/b");
+  const NodePath q = p;  // NOLINT(performance-unnecessary-copy-initialization)
+  EXPECT_TRUE(q.shares_storage_with(p));
+  EXPECT_TRUE(q.front().shares_record_with(p.front()));
+}
+
+TEST(NodePath, ChangingACopyLeavesTheOriginalUnchanged) {
+  const NodePath p(u"a/b");
+  NodePath q = p;
+  q.push_back(NodeId(u"c"));
+  EXPECT_FALSE(q.shares_storage_with(p));
+  EXPECT_EQ(p.ustring(), u"a/b");
+  EXPECT_EQ(q.ustring(), u"a/b/c");
+  // The copy's identifiers still share records with the original's.
+  EXPECT_TRUE(q.front().shares_record_with(p.front()));
+}
+
+TEST(NodePath, ConstAccessorsNeverDetach) {
+  const NodePath p(u"a/b/c");
+  const NodePath q = p;
+  const long allocations = alloc_counter::total();
+  std::size_t seen = q.ids().size() + q.size() + (q.empty() ? 1 : 0);
+  seen += static_cast<std::size_t>(q.end() - q.begin());
+  seen += static_cast<std::size_t>(q.rend() - q.rbegin());
+  seen += static_cast<std::size_t>(q.cend() - q.cbegin());
+  seen += q.front().ustring().size() + q.back().ustring().size();
+  if (alloc_counter::counting()) {
+    EXPECT_EQ(alloc_counter::total(), allocations);
+  }
+  EXPECT_EQ(seen, 3u + 3u + 3u + 3u + 3u + 2u);
+  EXPECT_TRUE(q.shares_storage_with(p));
+}
+
+TEST(NodePath, EveryNonConstAccessorDetachesASharedRecord) {
+  const std::vector<std::pair<const char*, std::function<void(NodePath&)>>> accessors = {
+      {"ids", [](NodePath& p) { (void)p.ids(); }},
+      {"begin", [](NodePath& p) { (void)p.begin(); }},
+      {"end", [](NodePath& p) { (void)p.end(); }},
+      {"rbegin", [](NodePath& p) { (void)p.rbegin(); }},
+      {"rend", [](NodePath& p) { (void)p.rend(); }},
+      {"front", [](NodePath& p) { (void)p.front(); }},
+      {"back", [](NodePath& p) { (void)p.back(); }},
+      {"push_back", [](NodePath& p) { p.push_back(NodeId(u"z")); }},
+  };
+  for (const auto& [name, access] : accessors) {
+    const NodePath original(u"a/b");
+    NodePath copy = original;
+    access(copy);
+    EXPECT_FALSE(copy.shares_storage_with(original)) << name;
+    EXPECT_EQ(original.ustring(), u"a/b") << name;
+    EXPECT_EQ(texts_of(copy).front(), u"a") << name;
+  }
+}
+
+TEST(NodePath, NonConstAccessOnSoleOwnerWritesInPlace) {
+  NodePath p(u"a/b");
+  const std::vector<NodeId>* record = &std::as_const(p).ids();
+  (void)p.begin();
+  p.push_back(NodeId(u"c"));
+  EXPECT_EQ(&std::as_const(p).ids(), record);
+}
+
+TEST(NodePath, EmptyPathsShareOneRecordAndNeverAllocate) {
+  const long allocations = alloc_counter::total();
+  const NodePath a;
+  const NodePath b(u"");
+  const NodePath c(std::vector<NodeId>{});
+  const NodePath d = a;  // NOLINT(performance-unnecessary-copy-initialization)
+  const bool all_empty = a.empty() && b.empty() && c.empty() && d.empty();
+  const ustring text = a.ustring();
+  if (alloc_counter::counting()) {
+    EXPECT_EQ(alloc_counter::total(), allocations);
+  }
+  EXPECT_TRUE(all_empty);
+  EXPECT_TRUE(text.empty());
+  EXPECT_TRUE(a.shares_storage_with(b));
+  EXPECT_TRUE(a.shares_storage_with(c));
+  EXPECT_TRUE(a.shares_storage_with(d));
+}
+
+TEST(NodePath, ChangingAnEmptyPathLeavesOtherEmptyPathsEmpty) {
+  NodePath a;
+  a.push_back(NodeId(u"x"));
+  const NodePath b;
+  EXPECT_TRUE(b.empty());
+  EXPECT_FALSE(a.shares_storage_with(b));
+  EXPECT_EQ(a.ustring(), u"x");
+}
+
+TEST(NodePath, MovedFromPathIsEmpty) {
+  NodePath a(u"a/b");
+  const NodePath b = std::move(a);
+  EXPECT_EQ(b.ustring(), u"a/b");
+  EXPECT_TRUE(a.empty());  // NOLINT(bugprone-use-after-move): the contract
+  EXPECT_TRUE(a.shares_storage_with(NodePath()));
+}
+
+// ---------------------------------------------------------------- concatenation
+
+TEST(NodePath, PlusEqualsAppendsTheOtherPathInOrder) {
+  NodePath p(u"a/b");
+  p += NodePath(u"c//d/e");
+  EXPECT_EQ(texts_of(p), (std::vector<ustring>{u"a", u"b", u"c//d", u"e"}));
+}
+
+TEST(NodePath, PlusEqualsOfEmptyPathChangesNothing) {
+  NodePath p(u"a/b");
+  const NodePath copy = p;
+  p += NodePath();
+  EXPECT_EQ(p.ustring(), u"a/b");
+  EXPECT_TRUE(p.shares_storage_with(copy));  // not even a detach
+}
+
+TEST(NodePath, PlusEqualsOnEmptyPathTakesAShareOfTheOther) {
+  NodePath p;
+  const NodePath other(u"x/y");
+  p += other;
+  EXPECT_TRUE(p.shares_storage_with(other));
+  EXPECT_EQ(p.ustring(), u"x/y");
+  // The share is copy-on-write like any other.
+  p.push_back(NodeId(u"z"));
+  EXPECT_EQ(other.ustring(), u"x/y");
+}
+
+TEST(NodePath, PlusEqualsDetachesASharedPathFirst) {
+  NodePath p(u"a");
+  const NodePath before = p;
+  p += NodePath(u"b");
+  EXPECT_EQ(before.ustring(), u"a");
+  EXPECT_EQ(p.ustring(), u"a/b");
+  EXPECT_FALSE(p.shares_storage_with(before));
+}
+
+TEST(NodePath, AppendingAPathToItselfDoublesIt) {
+  NodePath p(u"a/b");
+  p += p;
+  EXPECT_EQ(p.ustring(), u"a/b/a/b");
+  NodePath q(u"c");
+  const NodePath alias = q;
+  q += alias;
+  EXPECT_EQ(q.ustring(), u"c/c");
+  EXPECT_EQ(alias.ustring(), u"c");
+}
+
+TEST(NodePath, PlusLeavesItsOperandsUnchanged) {
+  const NodePath a(u"a");
+  const NodePath1 b(u"b/c");
+  const NodePath sum = a + b;
+  EXPECT_EQ(sum.ustring(), u"a/b/c");
+  EXPECT_EQ(a.ustring(), u"a");
+  EXPECT_EQ(b.ustring(), u"b/c");
+  static_assert(std::is_same_v<decltype(a + b), NodePath>);
+}
+
+// ---------------------------------------------------------------- NodePath1
+
+TEST(NodePath1, RejectsEmptyTextWithInvalidNodePath1) {
+  EXPECT_TRUE(throws_error([] { NodePath1 p(u""); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+}
+
+TEST(NodePath1, RejectsBadTextWithTheParserMessage) {
+  EXPECT_TRUE(
+      throws_error([] { NodePath1 p(u"/mass"); }, ErrorId::InvalidNodePath, {text_arg(u"/mass")}));
+  EXPECT_TRUE(
+      throws_error([] { NodePath1 p(u"a///b"); }, ErrorId::InvalidNodeId, {text_arg(u"a//")}));
+}
+
+TEST(NodePath1, RejectsEmptyIdentifierList) {
+  EXPECT_TRUE(throws_error([] { NodePath1 p(std::vector<NodeId>{}); }, ErrorId::InvalidNodePath1,
+                           {text_arg(u"")}));
+}
+
+TEST(NodePath1, TakesOverANodePathWithoutCopyingIt) {
+  const NodePath path(u"a/b");
+  const NodePath1 p1(path);
+  EXPECT_TRUE(p1.shares_storage_with(path));
+  EXPECT_EQ(p1.ustring(), u"a/b");
+
+  NodePath moved(u"c");
+  const NodePath keep = moved;
+  const NodePath1 q1(std::move(moved));
+  EXPECT_TRUE(q1.shares_storage_with(keep));
+}
+
+TEST(NodePath1, TakingOverAnEmptyNodePathThrowsInvalidNodePath1) {
+  EXPECT_TRUE(
+      throws_error([] { NodePath1 p(NodePath{}); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+}
+
+TEST(NodePath1, CheckReportsTheTextFormOfAnEmptiedPath) {
+  NodePath1 p(u"a");
+  p.ids().clear();
+  EXPECT_TRUE(throws_error([&] { p.check_(); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+}
+
+TEST(NodePath1, CheckAcceptsANonEmptyPath) {
+  const NodePath1 p(NodeId(u"a"));
+  EXPECT_NO_THROW(p.check_());
+  EXPECT_EQ(p.size(), 1u);
+}
+
+TEST(NodePath1, MovedFromPathKeepsItsIdentifiers) {
+  NodePath1 a(u"a/b");
+  const NodePath1 b = std::move(a);
+  EXPECT_EQ(a.ustring(), u"a/b");  // NOLINT(bugprone-use-after-move): the contract
+  EXPECT_NO_THROW(a.check_());
+  EXPECT_TRUE(a.shares_storage_with(b));
+}
+
+TEST(NodePath1, PlusEqualsAndPlusKeepTheTypeAndAppend) {
+  NodePath1 p(u"a");
+  p += NodePath();
+  EXPECT_EQ(p.ustring(), u"a");
+  p += NodePath(u"b");
+  EXPECT_EQ(p.ustring(), u"a/b");
+  const NodePath1 q = p + NodePath1(u"c");
+  EXPECT_EQ(q.ustring(), u"a/b/c");
+  EXPECT_EQ(p.ustring(), u"a/b");
+  static_assert(std::is_same_v<decltype(p + NodePath()), NodePath1>);
+}
+
+static_assert(!std::is_default_constructible_v<NodePath1>, "a NodePath1 is never empty");
+static_assert(!std::is_convertible_v<ustring, NodePath>, "parsing is explicit");
+static_assert(!std::is_convertible_v<NodePath, NodePath1>, "taking over a path checks it");
+static_assert(std::is_nothrow_default_constructible_v<NodePath>);
+static_assert(std::is_nothrow_copy_constructible_v<NodePath1>);
+
+// ---------------------------------------------------------------- relpath
+
+TEST(Relpath, GivesTheRestAfterAPrefix) {
+  const auto rest = relpath(NodePath(u"a/b/c"), NodePath(u"a/b"));
+  ASSERT_TRUE(rest.has_value());
+  EXPECT_EQ(rest->ustring(), u"c");
+}
+
+TEST(Relpath, EqualPathsGiveTheEmptyPathAsAValue) {
+  const auto rest = relpath(NodePath(u"a/b/c"), NodePath(u"a/b/c"));
+  ASSERT_TRUE(rest.has_value());
+  EXPECT_TRUE(rest->empty());
+}
+
+TEST(Relpath, EmptyBaseGivesTheWholePath) {
+  const NodePath path(u"a/b/c");
+  const auto rest = relpath(path, NodePath());
+  ASSERT_TRUE(rest.has_value());
+  EXPECT_EQ(*rest, path);
+  EXPECT_EQ(relpath(NodePath(), NodePath()), std::optional<NodePath>(NodePath()));
+}
+
+TEST(Relpath, NonPrefixGivesNoValue) {
+  EXPECT_FALSE(relpath(NodePath(u"a/b/c"), NodePath(u"a/x")).has_value());
+  EXPECT_FALSE(relpath(NodePath(u"a/b/c"), NodePath(u"a/b/c/d")).has_value());
+  EXPECT_FALSE(relpath(NodePath(u"a/b/c"), NodePath(u"b")).has_value());
+  EXPECT_FALSE(relpath(NodePath(), NodePath(u"a")).has_value());
+}
+
+TEST(Relpath, ComparesTextsCaseSensitivelyAndEscapesAsStored) {
+  EXPECT_FALSE(relpath(NodePath(u"A/b"), NodePath(u"a")).has_value());
+  EXPECT_FALSE(relpath(NodePath(u"a//b/c"), NodePath(u"a")).has_value());
+  const auto rest = relpath(NodePath(u"a//b/c"), NodePath(u"a//b"));
+  ASSERT_TRUE(rest.has_value());
+  EXPECT_EQ(rest->ustring(), u"c");
+}
+
+TEST(Relpath, MatchesIdentifiersBySharedRecordOrEqualText) {
+  const NodeId a(u"a");
+  const NodePath path(std::vector<NodeId>{a, NodeId(u"b")});
+  // `base` holds the same record as `path` for "a".
+  EXPECT_TRUE(relpath(path, NodePath(a)).has_value());
+  // `base` holds a separately built "a".
+  EXPECT_TRUE(relpath(path, NodePath(u"a")).has_value());
+}
+
+TEST(Relpath, ResultSharesTheIdentifiersOfThePath) {
+  const NodePath path(u"a/b/c");
+  const auto rest = relpath(path, NodePath(u"a"));
+  ASSERT_TRUE(rest.has_value());
+  EXPECT_TRUE(rest->front().shares_record_with(path.ids()[1]));
+  EXPECT_TRUE(rest->back().shares_record_with(path.ids()[2]));
+  EXPECT_FALSE(rest->shares_storage_with(path));
+}
+
+TEST(Relpath, LeavesItsArgumentsShared) {
+  const NodePath1 path(u"a/b");
+  const NodePath1 path_copy = path;
+  const NodePath base(u"a");
+  const NodePath base_copy = base;
+  (void)relpath(path, base);
+  EXPECT_TRUE(path.shares_storage_with(path_copy));
+  EXPECT_TRUE(base.shares_storage_with(base_copy));
+}
+
+// ---------------------------------------------------------------- failures
+
+TEST(NodePath, FailedParseLeavesTheTargetUnchanged) {
+  NodePath p(u"a/b");
+  const NodePath before = p;
+  try {
+    p = NodePath(u"c///d");
+  } catch (const krel::MessageException&) {
+  }
+  EXPECT_TRUE(p.shares_storage_with(before));
+  EXPECT_EQ(p.ustring(), u"a/b");
+
+  NodePath1 p1(u"x");
+  try {
+    p1 = NodePath1(u"");
+  } catch (const krel::MessageException&) {
+  }
+  EXPECT_EQ(p1.ustring(), u"x");
+}
+
+// Each allocation an operation makes is refused in turn; whenever the
+// operation fails, the target must be exactly as before.
+template <class Target, class Op>
+void expect_unchanged_when_allocation_fails(const Target& start, Op op) {
+  const ustring original = start.ustring();
+  for (long allowed = 0;; ++allowed) {
+    Target target = start;
+    bool threw = false;
+    {
+      alloc_counter::FailAfter limit(allowed);
+      try {
+        op(target);
+      } catch (const std::bad_alloc&) {
+        threw = true;
+      }
+    }
+    if (!threw) break;
+    ASSERT_EQ(target.ustring(), original) << "allocation " << allowed;
+    ASSERT_LT(allowed, 100) << "the operation never succeeds";
+  }
+}
+
+TEST(NodePath, FailedAllocationLeavesTheTargetUnchanged) {
+  if (!alloc_counter::counting()) GTEST_SKIP() << "allocations cannot be made to fail here";
+  const NodePath shared(u"a/b/c");
+  const NodePath alias = shared;
+  const NodePath tail(u"d/e//f");
+  expect_unchanged_when_allocation_fails(shared, [&](NodePath& p) { p += tail; });
+  expect_unchanged_when_allocation_fails(shared, [&](NodePath& p) { p += p; });
+  expect_unchanged_when_allocation_fails(shared, [&](NodePath& p) { p.push_back(NodeId(u"x")); });
+  expect_unchanged_when_allocation_fails(shared, [&](NodePath& p) { p = NodePath(u"x/y/z"); });
+  expect_unchanged_when_allocation_fails(NodePath(),
+                                         [&](NodePath& p) { p.push_back(NodeId(u"x")); });
+  expect_unchanged_when_allocation_fails(NodePath1(u"q"), [&](NodePath1& p) { p = p + tail; });
+  EXPECT_EQ(alias.ustring(), u"a/b/c");
+}
+
+TEST(NodePath, ParseFailsCleanlyAtEveryAllocation) {
+  if (!alloc_counter::counting()) GTEST_SKIP() << "allocations cannot be made to fail here";
+  const long live = alloc_counter::live();
+  int refusals = 0;
+  for (long allowed = 0; allowed < 100; ++allowed) {
+    bool done = false;
+    {
+      alloc_counter::FailAfter limit(allowed);
+      try {
+        const NodePath p(u"a\tb/c//d/e/f/g");
+        done = true;
+      } catch (const std::bad_alloc&) {
+      }
+      if (limit.failed()) ++refusals;
+    }
+    if (done) break;
+  }
+  // One allocation per identifier and more: each of them was refused once.
+  EXPECT_GT(refusals, 5);
+  EXPECT_EQ(alloc_counter::live(), live);
+}
+
+// ---------------------------------------------------------------- leaks
+
+TEST(NodePath, LeakCounterReturnsToItsStartAfterEveryOperation) {
+  if (!alloc_counter::counting()) GTEST_SKIP() << "the sanitizer checks for leaks here";
+  // Throw the same message once first, so that whatever the message catalogue
+  // keeps for the rest of the program is not counted as a leak.
+  try {
+    NodePath warm(u"ok/a///b");
+  } catch (const krel::MessageException&) {
+  }
+  const long live = alloc_counter::live();
+  {
+    NodePath p(u"a/b//c");
+    NodePath q = p;
+    q.push_back(NodeId(u"d"));
+    NodePath1 r(u"x");
+    r += q;
+    r += r;
+    const NodePath s = p + r;
+    const auto rest = relpath(s, p);
+    const NodePath1 t(NodePath(u"m/n"));
+    NodePath moved = std::move(q);
+    moved += NodePath(u"e");
+    EXPECT_TRUE(rest.has_value());
+    try {
+      NodePath bad(u"ok/a///b");
+    } catch (const krel::MessageException&) {
+    }
+  }
+  EXPECT_EQ(alloc_counter::live(), live);
+}
+
+// ---------------------------------------------------------------- threads
+
+// Copies of one path are made, read, changed and destroyed on several threads
+// at once. Under ThreadSanitizer this shows that the counts are ordered so
+// that no record is freed or written while another thread reads it.
+TEST(NodePathThreads, CopiesAreUsedAndDestroyedOnManyThreadsAtOnce) {
+  const long live = alloc_counter::live();
+  {
+    const NodePath1 shared(u"Body//Frame/mass/x");
+    const NodeId shared_id = shared.front();
+    std::atomic<int> mismatches{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+      threads.emplace_back([&, t] {
+        for (int i = 0; i < 2000; ++i) {
+          NodePath1 copy = shared;
+          const NodeId id = shared_id;
+          if (copy.size() != 3 || copy.ustring() != u"Body//Frame/mass/x") ++mismatches;
+          if (!(id == copy.front())) ++mismatches;
+          if ((i + t) % 5 == 0) {
+            copy.push_back(NodeId(u"y"));  // detaches this copy only
+            if (copy.size() != 4) ++mismatches;
+          }
+          const auto rest = relpath(copy, NodePath(shared_id));
+          if (!rest || rest->front().ustring() != u"mass") ++mismatches;
+          NodePath empty;
+          empty += copy;  // takes a share
+        }
+      });
+    }
+    for (auto& th : threads) th.join();
+    EXPECT_EQ(mismatches.load(), 0);
+    EXPECT_EQ(shared.ustring(), u"Body//Frame/mass/x");
+  }
+  if (alloc_counter::counting()) {
+    EXPECT_EQ(alloc_counter::live(), live);
+  }
+}
+
+}  // namespace
