@@ -37,10 +37,10 @@ class OpenDialogCreator final : public SourceCreatorService<std::tuple<krel::Dra
 class Activator final : public cppmicroservices::BundleActivator {
  public:
   void Start(cppmicroservices::BundleContext context) override {
-    location_ =
-        context.RegisterService<SourceCreatorService<krel::Location>>(std::make_shared<LocationCreator>());
-    block_ =
-        context.RegisterService<SourceCreatorService<krel::DravikId>>(std::make_shared<BlockCreator>());
+    location_ = context.RegisterService<SourceCreatorService<krel::Location>>(
+        std::make_shared<LocationCreator>());
+    block_ = context.RegisterService<SourceCreatorService<krel::DravikId>>(
+        std::make_shared<BlockCreator>());
     dialog_ = context.RegisterService<SourceCreatorService<std::tuple<krel::DravikId, bool>>>(
         std::make_shared<OpenDialogCreator>());
   }
@@ -51,7 +51,8 @@ class Activator final : public cppmicroservices::BundleActivator {
  private:
   cppmicroservices::ServiceRegistration<SourceCreatorService<krel::Location>> location_;
   cppmicroservices::ServiceRegistration<SourceCreatorService<krel::DravikId>> block_;
-  cppmicroservices::ServiceRegistration<SourceCreatorService<std::tuple<krel::DravikId, bool>>> dialog_;
+  cppmicroservices::ServiceRegistration<SourceCreatorService<std::tuple<krel::DravikId, bool>>>
+      dialog_;
 };
 
 }  // namespace

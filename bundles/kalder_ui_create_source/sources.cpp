@@ -34,18 +34,14 @@ class LocationSource final : public Source {
   std::optional<krel::Location> location() const override { return location_; }
   std::optional<krel::DravikId> block() const override { return std::nullopt; }
   bool opens_dialog() const override { return false; }
-  void open(SourceNavigator& navigator) const override {
-    navigator.show_location(location_, true);
-  }
+  void open(SourceNavigator& navigator) const override { navigator.show_location(location_, true); }
   void highlight(SourceNavigator& navigator) const override {
     navigator.show_location(location_, false);
   }
   int compare(const Source& other) const override { return compare_sources(*this, other); }
   std::size_t hash() const override { return hash_source(*this); }
   void print(std::ostream& os) const override { os << location_; }
-  std::unique_ptr<Source> clone() const override {
-    return std::make_unique<LocationSource>(*this);
-  }
+  std::unique_ptr<Source> clone() const override { return std::make_unique<LocationSource>(*this); }
 
  private:
   krel::Location location_;
@@ -61,9 +57,7 @@ class BlockSource final : public Source {
   std::optional<krel::DravikId> block() const override { return block_; }
   bool opens_dialog() const override { return false; }
   void open(SourceNavigator& navigator) const override { navigator.show_block(block_, true); }
-  void highlight(SourceNavigator& navigator) const override {
-    navigator.show_block(block_, false);
-  }
+  void highlight(SourceNavigator& navigator) const override { navigator.show_block(block_, false); }
   int compare(const Source& other) const override { return compare_sources(*this, other); }
   std::size_t hash() const override { return hash_source(*this); }
   void print(std::ostream& os) const override { os << "block " << block_; }
@@ -93,9 +87,7 @@ class OpenDialogSource final : public Source {
       navigator.show_block(block_, true);
     }
   }
-  void highlight(SourceNavigator& navigator) const override {
-    navigator.show_block(block_, false);
-  }
+  void highlight(SourceNavigator& navigator) const override { navigator.show_block(block_, false); }
   int compare(const Source& other) const override { return compare_sources(*this, other); }
   std::size_t hash() const override { return hash_source(*this); }
   void print(std::ostream& os) const override {
@@ -132,7 +124,8 @@ std::unique_ptr<Source> make_open_dialog_source(const krel::DravikId& block, boo
 }
 
 int compare_sources(const Source& a, const Source& b) {
-  if (a.kind() != b.kind()) return three_way(static_cast<int>(a.kind()), static_cast<int>(b.kind()));
+  if (a.kind() != b.kind())
+    return three_way(static_cast<int>(a.kind()), static_cast<int>(b.kind()));
   if (a.kind() == SourceKind::location) {
     const krel::Location x = a.location().value_or(krel::Location());
     const krel::Location y = b.location().value_or(krel::Location());

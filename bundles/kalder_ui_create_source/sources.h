@@ -19,7 +19,8 @@ namespace source_bundle {
 
 /// The source of a file position; empty for a location without a file, which
 /// names no place to show.
-[[nodiscard]] std::unique_ptr<ui::core::Source> make_location_source(const krel::Location& location);
+[[nodiscard]] std::unique_ptr<ui::core::Source> make_location_source(
+    const krel::Location& location);
 
 /// The source of a block; empty for an empty block id.
 [[nodiscard]] std::unique_ptr<ui::core::Source> make_block_source(const krel::DravikId& block);

@@ -33,8 +33,12 @@ namespace {
 
 using Access = detail::ObjectPathSubscriptAccess;
 
-[[noreturn]] void throw_bad_visit() { throw std::logic_error("bad visit"); }
-[[noreturn]] void throw_invalid_visit() { throw std::logic_error("invalid visit"); }
+[[noreturn]] void throw_bad_visit() {
+  throw std::logic_error("bad visit");
+}
+[[noreturn]] void throw_invalid_visit() {
+  throw std::logic_error("invalid visit");
+}
 
 bool is_broken(const ObjectPathElement& e) noexcept {
   return e.id() != ObjectPathElement::subscript_kind && e.id() != ObjectPathElement::name_kind;
@@ -107,9 +111,14 @@ ObjectPathElement::ObjectPathElement(ObjectPathName name) noexcept : kind_(name_
 
 ObjectPathElement::ObjectPathElement(const ObjectPathElement& other) : kind_(other.kind_) {
   switch (kind_) {
-    case subscript_kind: std::construct_at(&storage_.subscript, other.storage_.subscript); break;
-    case name_kind: std::construct_at(&storage_.name, other.storage_.name); break;
-    default: throw_bad_visit();
+    case subscript_kind:
+      std::construct_at(&storage_.subscript, other.storage_.subscript);
+      break;
+    case name_kind:
+      std::construct_at(&storage_.name, other.storage_.name);
+      break;
+    default:
+      throw_bad_visit();
   }
 }
 
@@ -118,8 +127,11 @@ ObjectPathElement::ObjectPathElement(ObjectPathElement&& other) : kind_(other.ki
     case subscript_kind:
       std::construct_at(&storage_.subscript, std::move(other.storage_.subscript));
       break;
-    case name_kind: std::construct_at(&storage_.name, std::move(other.storage_.name)); break;
-    default: throw_bad_visit();
+    case name_kind:
+      std::construct_at(&storage_.name, std::move(other.storage_.name));
+      break;
+    default:
+      throw_bad_visit();
   }
 }
 
@@ -128,13 +140,20 @@ ObjectPathElement& ObjectPathElement::operator=(ObjectPathElement other) noexcep
   return *this;
 }
 
-ObjectPathElement::~ObjectPathElement() { destroy_value(); }
+ObjectPathElement::~ObjectPathElement() {
+  destroy_value();
+}
 
 void ObjectPathElement::destroy_value() noexcept {
   switch (kind_) {
-    case subscript_kind: std::destroy_at(&storage_.subscript); break;
-    case name_kind: std::destroy_at(&storage_.name); break;
-    default: break;  // a broken element holds nothing
+    case subscript_kind:
+      std::destroy_at(&storage_.subscript);
+      break;
+    case name_kind:
+      std::destroy_at(&storage_.name);
+      break;
+    default:
+      break;  // a broken element holds nothing
   }
 }
 
@@ -148,7 +167,8 @@ void ObjectPathElement::relocate(Storage& to, std::size_t kind, Storage& from) n
       std::construct_at(&to.name, std::move(from.name));
       std::destroy_at(&from.name);
       break;
-    default: break;
+    default:
+      break;
   }
 }
 
@@ -245,7 +265,8 @@ std::ostream& operator<<(std::ostream& os, const ObjectPathElement& e) {
 
 namespace detail {
 
-void ObjectPathElementAccess::set_kind_for_testing(ObjectPathElement& e, std::size_t kind) noexcept {
+void ObjectPathElementAccess::set_kind_for_testing(ObjectPathElement& e,
+                                                   std::size_t kind) noexcept {
   assert(kind != ObjectPathElement::subscript_kind && kind != ObjectPathElement::name_kind &&
          "only a broken kind index may be set");
   e.destroy_value();

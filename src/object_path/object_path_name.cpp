@@ -65,9 +65,9 @@ std::optional<ObjectPathName> ObjectPathName::make(const ustring& text) {
 }
 
 bool ObjectPathName::is_valid() const noexcept {
-  return meets_name_rule(text_.view()) &&
-         std::none_of(text_.begin(), text_.end(),
-                      [](char16_t c) { return c != u' ' && krel::is_posix_space(c); });
+  return meets_name_rule(text_.view()) && std::none_of(text_.begin(), text_.end(), [](char16_t c) {
+           return c != u' ' && krel::is_posix_space(c);
+         });
 }
 
 std::ostream& operator<<(std::ostream& os, const ObjectPathName& name) {

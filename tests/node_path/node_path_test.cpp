@@ -603,7 +603,9 @@ TEST(NodePath, FailedAllocationLeavesTheTargetUnchanged) {
   if (!alloc_counter::counting()) GTEST_SKIP() << "allocations cannot be made to fail here";
   const NodePath shared(u"a/b/c");
   const NodePath alias = shared;
-  const NodePath tail(u"d/e//f");
+  // Longer than the path it is appended to, so that growing one identifier at
+  // a time would need more than one allocation and could stop half-way.
+  const NodePath tail(u"d/e//f/g/h/i/j");
   expect_unchanged_when_allocation_fails(shared, [&](NodePath& p) { p += tail; });
   expect_unchanged_when_allocation_fails(shared, [&](NodePath& p) { p += p; });
   expect_unchanged_when_allocation_fails(shared, [&](NodePath& p) { p.push_back(NodeId(u"x")); });

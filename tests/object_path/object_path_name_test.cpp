@@ -16,7 +16,9 @@ using ui::core::ErrorId;
 using ui::core::ObjectPathName;
 using ui::core::ustring;
 
-ustring stored(const ObjectPathName& name) { return ustring(name.text()); }
+ustring stored(const ObjectPathName& name) {
+  return ustring(name.text());
+}
 
 // Both faces of the parser run over every case, so they cannot drift apart.
 struct NameCase {
@@ -126,7 +128,9 @@ TEST(ObjectPathName, PrintsUtf8WhateverTheLocale) {
   // letters; a name is written as UTF-8 all the same.
   std::ostringstream os;
   os << ObjectPathName(u"Gr\u00fc\u00dfe//\u03a9");
-  EXPECT_EQ(os.str(), "Gr\xc3\xbc\xc3\x9f" "e//\xce\xa9");
+  EXPECT_EQ(os.str(),
+            "Gr\xc3\xbc\xc3\x9f"
+            "e//\xce\xa9");
 }
 
 TEST(ObjectPathName, PrintsTheCleanedText) {

@@ -22,8 +22,12 @@ using Values = std::vector<unsigned long>;
 
 constexpr unsigned long max_value = std::numeric_limits<unsigned long>::max();
 
-Values values_of(const ObjectPathSubscript& s) { return static_cast<Values>(s); }
-ustring text_of(const ObjectPathSubscript& s) { return static_cast<ustring>(s); }
+Values values_of(const ObjectPathSubscript& s) {
+  return static_cast<Values>(s);
+}
+ustring text_of(const ObjectPathSubscript& s) {
+  return static_cast<ustring>(s);
+}
 
 TEST(ObjectPathSubscript, DefaultIsOneWithValuesOneAndOne) {
   const ObjectPathSubscript s;
@@ -52,10 +56,15 @@ TEST(ObjectPathSubscript, CountAndSizeAreStoredAsGiven) {
 
 TEST(ObjectPathSubscript, ZeroValueIsRefusedWithNoArguments) {
   EXPECT_TRUE(test_support::throws_error(
-      [] { ObjectPathSubscript s(2, krel::ArraySize{3, 0}); }, ErrorId::InvalidObjectPathSubscript,
-      {}));
-  EXPECT_TRUE(test_support::throws_error([] { ObjectPathSubscript s(Values{1, 0, 2}); },
-                                         ErrorId::InvalidObjectPathSubscript, {}));
+      [] {
+        ObjectPathSubscript s(2, krel::ArraySize{3, 0});
+      },
+      ErrorId::InvalidObjectPathSubscript, {}));
+  EXPECT_TRUE(test_support::throws_error(
+      [] {
+        ObjectPathSubscript s(Values{1, 0, 2});
+      },
+      ErrorId::InvalidObjectPathSubscript, {}));
 }
 
 TEST(ObjectPathSubscript, OnlyARealZeroIsRefusedNotAnOverflowingProduct) {
@@ -145,9 +154,9 @@ const std::vector<SubscriptCase>& subscript_cases() {
       {u"//18446744073709551620", std::nullopt},
       {u"//99999999999999999999", std::nullopt},
       {u"//184467440737095516150", std::nullopt},
-      {u"//\uff11", std::nullopt},        // a fullwidth digit one
-      {u"//1, 2\u00a0", std::nullopt},    // a non-ASCII blank
-      {u"\uff0f/1", std::nullopt},        // a fullwidth slash
+      {u"//\uff11", std::nullopt},      // a fullwidth digit one
+      {u"//1, 2\u00a0", std::nullopt},  // a non-ASCII blank
+      {u"\uff0f/1", std::nullopt},      // a fullwidth slash
       {u"x//1", std::nullopt},
       {u"///1", std::nullopt},
       {u"//1//2", std::nullopt},

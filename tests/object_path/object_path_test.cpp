@@ -23,11 +23,15 @@ using ui::core::ObjectPathSubscript;
 using ui::core::ustring;
 using Values = std::vector<unsigned long>;
 
-ObjectPathElement name(const ustring& text) { return ObjectPathElement(ObjectPathName(text)); }
+ObjectPathElement name(const ustring& text) {
+  return ObjectPathElement(ObjectPathName(text));
+}
 ObjectPathElement sub(const Values& values) {
   return ObjectPathElement(ObjectPathSubscript(values));
 }
-ustring text_of(const ObjectPath& p) { return static_cast<ustring>(p); }
+ustring text_of(const ObjectPath& p) {
+  return static_cast<ustring>(p);
+}
 
 std::vector<ustring> texts_of(const ObjectPath& p) {
   std::vector<ustring> texts;

@@ -18,8 +18,7 @@ class NoBundles : public ::testing::Environment {
  public:
   void SetUp() override { use_bundle_sets(""); }
 };
-[[maybe_unused]] const auto* const environment =
-    ::testing::AddGlobalTestEnvironment(new NoBundles);
+[[maybe_unused]] const auto* const environment = ::testing::AddGlobalTestEnvironment(new NoBundles);
 
 TEST(CreateSource, LocationWithoutAServiceIsRefusedWithKindKrelLocation) {
   EXPECT_TRUE(test_support::throws_error([] { (void)create_source(krel::Location(u"a", 1, 1)); },
@@ -35,9 +34,9 @@ TEST(CreateSource, BlockWithoutAServiceIsRefusedWithKindKrelDravikId) {
 
 TEST(CreateSource, OpenDialogWithoutAServiceIsRefusedWithKindOpenDialog) {
   for (bool flag : {true, false}) {
-    EXPECT_TRUE(test_support::throws_error(
-        [flag] { (void)create_source(krel::DravikId(u"m/G"), flag); },
-        ErrorId::CannotCreateSource, {text_arg(u"OpenDialog")}));
+    EXPECT_TRUE(
+        test_support::throws_error([flag] { (void)create_source(krel::DravikId(u"m/G"), flag); },
+                                   ErrorId::CannotCreateSource, {text_arg(u"OpenDialog")}));
   }
 }
 

@@ -43,10 +43,9 @@ TEST(CreateSource, BlockWithoutAServiceIsRefusedWithItsKindName) {
 }
 
 TEST(CreateSource, OpenDialogWithoutAServiceIsRefusedWithItsKindName) {
-  EXPECT_TRUE(
-      test_support::throws_error([] { (void)create_source(krel::DravikId(u"m/Gain"), true); },
-                                 ErrorId::CannotCreateSource,
-                                 {test_support::text_arg(u"OpenDialog")}));
+  EXPECT_TRUE(test_support::throws_error(
+      [] { (void)create_source(krel::DravikId(u"m/Gain"), true); }, ErrorId::CannotCreateSource,
+      {test_support::text_arg(u"OpenDialog")}));
   EXPECT_EQ(bundle_probe::count(Event::start_called, "counting"), 1);
 }
 

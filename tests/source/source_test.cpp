@@ -30,8 +30,8 @@ static_assert(std::has_virtual_destructor_v<Source>);
 static_assert(std::is_abstract_v<SourceCreatorService<krel::Location>>);
 static_assert(std::has_virtual_destructor_v<SourceCreatorService<krel::DravikId>>);
 static_assert(std::is_same_v<decltype(create_source(krel::Location())), boost::shared_ptr<Source>>);
-static_assert(std::is_same_v<decltype(create_source(krel::DravikId(), true)),
-                             boost::shared_ptr<Source>>);
+static_assert(
+    std::is_same_v<decltype(create_source(krel::DravikId(), true)), boost::shared_ptr<Source>>);
 
 const krel::Location plant(u"model/plant.ssc", 12, 5);
 const krel::DravikId gain(u"model/Sub/Gain");
@@ -130,12 +130,11 @@ TEST(Source, OpenAndHighlightTellTheNavigatorWhatToShow) {
     source->open(navigator);
     source->highlight(navigator);
   }
-  EXPECT_EQ(navigator.calls,
-            (std::vector<std::string>{
-                "select model/plant.ssc:12:5", "highlight model/plant.ssc:12:5",
-                "select block model/Sub/Gain", "highlight block model/Sub/Gain",
-                "dialog model/Sub/Gain", "highlight block model/Sub/Gain",
-                "select block model/Sub/Gain", "highlight block model/Sub/Gain"}));
+  EXPECT_EQ(navigator.calls, (std::vector<std::string>{
+                                 "select model/plant.ssc:12:5", "highlight model/plant.ssc:12:5",
+                                 "select block model/Sub/Gain", "highlight block model/Sub/Gain",
+                                 "dialog model/Sub/Gain", "highlight block model/Sub/Gain",
+                                 "select block model/Sub/Gain", "highlight block model/Sub/Gain"}));
 }
 
 // Compares sources through the interface, for the shared value checks.
@@ -159,21 +158,20 @@ TEST(Source, CompareAndHashOrderByKindThenKey) {
   const auto dialog_open = create_source(krel::DravikId(u"m/A"), true);
   test_support::expect_consistent(Compared{early.get()}, Compared{same.get()}, 0, by, hash);
   test_support::expect_consistent(Compared{early.get()}, Compared{later_line.get()}, 1, by, hash);
-  test_support::expect_consistent(Compared{early.get()}, Compared{later_column.get()}, 1, by,
-                                  hash);
+  test_support::expect_consistent(Compared{early.get()}, Compared{later_column.get()}, 1, by, hash);
   test_support::expect_consistent(Compared{later_line.get()}, Compared{other_file.get()}, 1, by,
                                   hash);
-  test_support::expect_consistent(Compared{other_file.get()}, Compared{block_a.get()}, 1, by,
-                                  hash);
+  test_support::expect_consistent(Compared{other_file.get()}, Compared{block_a.get()}, 1, by, hash);
   test_support::expect_consistent(Compared{block_b.get()}, Compared{block_a.get()}, 2, by, hash);
   test_support::expect_consistent(Compared{block_b.get()}, Compared{dialog_closed.get()}, 1, by,
                                   hash);
-  test_support::expect_consistent(Compared{dialog_closed.get()}, Compared{dialog_open.get()}, 1,
-                                  by, hash);
+  test_support::expect_consistent(Compared{dialog_closed.get()}, Compared{dialog_open.get()}, 1, by,
+                                  hash);
 }
 
 TEST(Source, CloneIsIndependentAndEqual) {
-  for (const auto& source : {create_source(plant), create_source(gain), create_source(gain, true)}) {
+  for (const auto& source :
+       {create_source(plant), create_source(gain), create_source(gain, true)}) {
     ASSERT_TRUE(source);
     std::unique_ptr<Source> copy = source->clone();
     ASSERT_TRUE(copy);

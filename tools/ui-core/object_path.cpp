@@ -17,8 +17,7 @@ void print_elements(const ui::core::ObjectPath& path) {
   std::size_t i = 0;
   for (const ui::core::ObjectPathElement& e : path) {
     std::cout << "  [" << i++ << "] " << (e.id() == 0 ? "subscript " : "name      ")
-              << to_out(ui::core::to_string(e)) << "  (hash " << ui::core::hash_value(e)
-              << ")\n";
+              << to_out(ui::core::to_string(e)) << "  (hash " << ui::core::hash_value(e) << ")\n";
   }
   std::cout << "text form: " << to_out(static_cast<krel::ustring>(path)) << '\n';
 }
@@ -74,8 +73,7 @@ void setup_subscript(CLI::App& app, Outcome& outcome) {
       }
       std::cout << '\n'
                 << "text form: " << to_out(static_cast<krel::ustring>(subscript)) << '\n'
-                << "hash: " << ui::core::hash_value(ui::core::ObjectPathElement(subscript))
-                << '\n';
+                << "hash: " << ui::core::hash_value(ui::core::ObjectPathElement(subscript)) << '\n';
     } catch (const krel::MessageException& e) {
       report(e);
       outcome.exit_code = exit_refused;

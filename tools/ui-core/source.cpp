@@ -27,17 +27,17 @@ std::optional<std::uint32_t> parse_number(const std::string& text) {
 // FILE:LINE:COL, split at the last two colons so that FILE may hold colons.
 krel::Location parse_location(const std::string& text) {
   const std::size_t col_colon = text.rfind(':');
-  const std::size_t line_colon =
-      col_colon == std::string::npos || col_colon == 0 ? std::string::npos
-                                                       : text.rfind(':', col_colon - 1);
+  const std::size_t line_colon = col_colon == std::string::npos || col_colon == 0
+                                     ? std::string::npos
+                                     : text.rfind(':', col_colon - 1);
   if (line_colon == std::string::npos) {
     throw CLI::ValidationError("--location", "expected FILE:LINE:COL, got '" + text + "'");
   }
   const auto line = parse_number(text.substr(line_colon + 1, col_colon - line_colon - 1));
   const auto column = parse_number(text.substr(col_colon + 1));
   if (!line || !column) {
-    throw CLI::ValidationError("--location", "LINE and COL must be whole numbers below 2^32, in '" +
-                                                 text + "'");
+    throw CLI::ValidationError("--location",
+                               "LINE and COL must be whole numbers below 2^32, in '" + text + "'");
   }
   return krel::Location(from_arg(text.substr(0, line_colon)), *line, *column);
 }
@@ -54,8 +54,8 @@ void setup_source(CLI::App& app, Outcome& outcome) {
   CLI::Option* location =
       cmd->add_option("--location", opts->location, "A file position, FILE:LINE:COL");
   CLI::Option* block = cmd->add_option("--block", opts->block, "The id of a block");
-  CLI::Option* dialog = cmd->add_flag(
-      "--open-dialog", opts->open_dialog, "With --block: the source that opens the block's dialog");
+  CLI::Option* dialog = cmd->add_flag("--open-dialog", opts->open_dialog,
+                                      "With --block: the source that opens the block's dialog");
   location->excludes(block);
   dialog->needs(block);
   cmd->callback([opts, location, block, &outcome] {

@@ -108,7 +108,9 @@ class ObjectPathSubscript {
   }
 
   /// The values as stored, including positions past the count, if any.
-  [[nodiscard]] const krel::ArraySize& subscripts() const noexcept { return rep_.read().subscripts; }
+  [[nodiscard]] const krel::ArraySize& subscripts() const noexcept {
+    return rep_.read().subscripts;
+  }
 
   /// The first size() values.
   operator std::vector<unsigned long>() const;

@@ -33,8 +33,8 @@ struct GlobalFramework {
   // Held while a set is installed; recursive so that an activator may
   // install another set from its Start.
   std::recursive_mutex mutex;
-  bool stopped = false;                // guarded by mutex
-  std::set<fs::path> started;          // canonical library files; guarded by mutex
+  bool stopped = false;        // guarded by mutex
+  std::set<fs::path> started;  // canonical library files; guarded by mutex
 #ifndef UI_CORE_SYSTEM_CPPMICROSERVICES
   // Activators in start order; guarded by mutex.
   std::vector<std::unique_ptr<cppmicroservices::BundleActivator>> activators;

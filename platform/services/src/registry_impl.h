@@ -28,8 +28,11 @@ class ServiceRecord {
   ServiceRecord(std::uint64_t id, int ranking, std::string interface_id,
                 ServiceProperties properties, std::shared_ptr<void> service,
                 std::weak_ptr<Registry> registry)
-      : id_(id), ranking_(ranking), interface_id_(std::move(interface_id)),
-        properties_(std::move(properties)), registry_(std::move(registry)),
+      : id_(id),
+        ranking_(ranking),
+        interface_id_(std::move(interface_id)),
+        properties_(std::move(properties)),
+        registry_(std::move(registry)),
         service_(std::move(service)) {}
 
   // Fixed at registration.

@@ -312,8 +312,7 @@ class RegistryUsingClock : public Clock {
 
 TEST_F(Registry, ServiceDestructorMayUseTheRegistryDuringUnregister) {
   std::atomic<int> seen{0};
-  auto reg =
-      context_.RegisterService<Clock>(std::make_shared<RegistryUsingClock>(context_, seen));
+  auto reg = context_.RegisterService<Clock>(std::make_shared<RegistryUsingClock>(context_, seen));
   EXPECT_TRUE(returns_without_deadlock([&] { reg.Unregister(); }));
   EXPECT_EQ(seen, 99);
   EXPECT_FALSE(context_.GetServiceReference<Clock>());

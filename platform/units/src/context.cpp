@@ -13,8 +13,9 @@ struct Context::Builder {
   std::string_view source;
   std::uint64_t line = 0;
   Context& context;
-  // Units declared explicitly, in order, for generating prefixed forms.
-  std::vector<std::string> declared;
+  // Units declared explicitly, in order, with their lines, for generating
+  // prefixed forms.
+  std::vector<std::pair<std::string, std::uint64_t>> declared;
 
   [[noreturn]] void fail(const std::string& reason) const {
     detail::throw_message(detail::invalid_database(source, line, reason));
@@ -78,7 +79,7 @@ struct Context::Builder {
   }
 
   void add(Unit unit) {
-    declared.push_back(unit.id.str());
+    declared.emplace_back(unit.id.str(), line);
     std::string key = unit.id.str();
     context.units_.emplace(std::move(key), std::move(unit));
   }
@@ -161,7 +162,8 @@ struct Context::Builder {
   // spelling would make the database ambiguous, and are refused.
   void generate_prefixed_forms() {
     UnitMap generated;
-    for (const std::string& name : declared) {
+    for (const auto& [name, declared_at] : declared) {
+      line = declared_at;
       const Unit& unit = context.units_.at(name);
       if (!unit.prefixable) continue;
       for (const Prefix& p : context.prefixes_) {

@@ -15,6 +15,13 @@ constexpr int max_written_exponent = 1000;
 
 cpp_int power_of_ten(unsigned exponent) { return boost::multiprecision::pow(cpp_int(10), exponent); }
 
+// cpp_int reads a leading "0" as an octal prefix, so decimal digits are
+// handed over without leading zeros.
+cpp_int from_decimal_digits(std::string_view digits) {
+  const auto first = digits.find_first_not_of('0');
+  return first == std::string_view::npos ? cpp_int(0) : cpp_int(std::string(digits.substr(first)));
+}
+
 std::size_t digit_count(const cpp_int& positive) { return positive.str().size(); }
 
 bool all_digits(std::string_view text) {
@@ -57,7 +64,7 @@ std::optional<ConversionRational> parse_decimal(std::string_view text) {
     if (!all_digits(text)) return std::nullopt;
     digits = std::string(text);
   }
-  cpp_int value(digits);
+  cpp_int value = from_decimal_digits(digits);
   if (negative) value = -value;
   if (exponent >= 0) return ConversionRational(value * power_of_ten(static_cast<unsigned>(exponent)));
   return ConversionRational(value, power_of_ten(static_cast<unsigned>(-exponent)));
@@ -78,9 +85,9 @@ std::optional<ConversionRational> parse_exact_number(std::string_view text) {
       num.remove_prefix(1);
     }
     if (!all_digits(num) || !all_digits(den)) return std::nullopt;
-    const cpp_int d(std::string{den});
+    const cpp_int d = from_decimal_digits(den);
     if (d == 0) return std::nullopt;
-    cpp_int n(std::string{num});
+    cpp_int n = from_decimal_digits(num);
     if (negative) n = -n;
     return ConversionRational(n, d);
   }

@@ -79,6 +79,10 @@ ConversionRational integer_power(const ConversionRational& base, ExponentValue n
   return n < 0 ? out.reciprocal() : out;
 }
 
+// The member Magnitude::to_string hides the rationals' to_string, which is
+// found only by argument-dependent lookup; this name is not hidden.
+std::string text(const ConversionRational& r) { return to_string(r); }
+
 std::string base_text(const ConversionRational& base) {
   return base.isInteger() ? to_string(base) : "(" + to_string(base) + ")";
 }
@@ -156,7 +160,7 @@ std::string Magnitude::to_string() const {
     if (!out.empty()) out += '*';
     out += part;
   };
-  if (!rational_.isOne() || is_rational()) out = units2::core::to_string(rational_);
+  if (!rational_.isOne() || is_rational()) out = text(rational_);
   for (const auto& [base, exponent] : roots_) append(base_text(base) + "^" + exponent_text(exponent));
   if (!pi_.isZero()) append(pi_.isOne() ? std::string("pi") : "pi^" + exponent_text(pi_));
   return out;

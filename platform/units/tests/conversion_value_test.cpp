@@ -14,7 +14,7 @@ TEST(ParseExactNumber, ReadsDecimalsExactly) {
   EXPECT_EQ(parse_exact_number("0.45359237"), ConversionRational(45359237, 100000000));
   EXPECT_EQ(parse_exact_number("1e-6"), ConversionRational(1, 1000000));
   EXPECT_EQ(parse_exact_number("1.602176634e-19"),
-            ConversionRational(1602176634, ConversionValue("1000000000000000000000000000")));
+            ConversionRational(1602176634, ConversionValue("10000000000000000000000000000")));
   EXPECT_EQ(parse_exact_number("273.15"), ConversionRational(5463, 20));
   EXPECT_EQ(parse_exact_number("-3"), ConversionRational(-3));
   EXPECT_EQ(parse_exact_number("1852/3600"), ConversionRational(463, 900));

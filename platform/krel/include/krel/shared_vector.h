@@ -57,7 +57,9 @@ class SharedVector {
   /// The empty vector; allocates nothing.
   SharedVector() noexcept = default;
 
-  SharedVector(std::initializer_list<T> values) { grow_and_append(0, values.begin(), values.size()); }
+  SharedVector(std::initializer_list<T> values) {
+    grow_and_append(0, values.begin(), values.size());
+  }
 
   SharedVector(const SharedVector& other) noexcept : block_(other.block_) {
     if (block_ != nullptr) block_->count.increment();

@@ -48,10 +48,10 @@ inline constexpr const char* bundle_activator_factory = "cppmicroservices_create
 }  // namespace detail
 }  // namespace cppmicroservices
 
-#define CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR(_activator_type)                         \
+#define CPPMICROSERVICES_EXPORT_BUNDLE_ACTIVATOR(_activator_type)                        \
   extern "C" __attribute__((visibility("default"))) ::cppmicroservices::BundleActivator* \
-  cppmicroservices_create_bundle_activator() {                                            \
-    return new _activator_type();                                                         \
+  cppmicroservices_create_bundle_activator() {                                           \
+    return new _activator_type();                                                        \
   }
 
 #endif  // CPPMICROSERVICES_BUNDLEACTIVATOR_H

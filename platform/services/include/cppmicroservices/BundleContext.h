@@ -68,7 +68,8 @@ class BundleContext {
   /// The service object of `reference` as its interface S.
   template <class S>
   std::shared_ptr<S> GetService(const ServiceReference<S>& reference) {
-    return std::static_pointer_cast<S>(GetService(static_cast<const ServiceReferenceBase&>(reference)));
+    return std::static_pointer_cast<S>(
+        GetService(static_cast<const ServiceReferenceBase&>(reference)));
   }
 
   /// Registers `service` under interface I with a copy of `properties`.

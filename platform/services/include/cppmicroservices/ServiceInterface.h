@@ -45,9 +45,9 @@ inline std::string us_service_interface_iid<void>() {
 
 /// Gives the interface `_service_interface_type` the id `_service_interface_id`.
 #define CPPMICROSERVICES_DECLARE_SERVICE_INTERFACE(_service_interface_type, _service_interface_id) \
-  template <>                                                                                       \
-  inline std::string us_service_interface_iid<_service_interface_type>() {                          \
-    return _service_interface_id;                                                                   \
+  template <>                                                                                      \
+  inline std::string us_service_interface_iid<_service_interface_type>() {                         \
+    return _service_interface_id;                                                                  \
   }
 
 #endif  // CPPMICROSERVICES_SERVICEINTERFACE_H
