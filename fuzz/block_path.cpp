@@ -39,8 +39,8 @@ ustring reference_without_model(const ustring& path) {
 }
 
 bool is_suffix(const ustring& part, const ustring& whole) {
-  return part.size() <= whole.size() && whole.compare(whole.size() - part.size(), ustring::npos,
-                                                      part) == 0;
+  return part.size() <= whole.size() &&
+         whole.compare(whole.size() - part.size(), ustring::npos, part) == 0;
 }
 
 }  // namespace

@@ -25,11 +25,8 @@ struct Entity {
   char16_t unit;
   std::u16string_view text;
 };
-constexpr std::array<Entity, 5> entities{{{u'&', u"&amp;"},
-                                          {u'\'', u"&apos;"},
-                                          {u'"', u"&quot;"},
-                                          {u'>', u"&gt;"},
-                                          {u'<', u"&lt;"}}};
+constexpr std::array<Entity, 5> entities{
+    {{u'&', u"&amp;"}, {u'\'', u"&apos;"}, {u'"', u"&quot;"}, {u'>', u"&gt;"}, {u'<', u"&lt;"}}};
 
 bool is_special(char16_t c) {
   for (const Entity& e : entities) {
@@ -68,8 +65,8 @@ ustring unescape(const ustring& escaped, const ustring& input) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   for (const ustring& text : fuzz::texts_of(data, size)) {
     ustring escaped;
-    fuzz::require_no_throw([&] { escaped = ui::core::escape_xml(text); },
-                           "escape_xml never throws", text);
+    fuzz::require_no_throw([&] { escaped = ui::core::escape_xml(text); }, "escape_xml never throws",
+                           text);
     fuzz::require(unescape(escaped, text) == text, "unescaping gives the input back", text);
     bool special = false;
     for (const char16_t c : text) special = special || is_special(c);

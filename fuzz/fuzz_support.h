@@ -64,8 +64,7 @@ inline void require(bool holds, const char* property, const ustring& input) {
 
 /// The bytes read as UTF-8 (invalid sequences become U+FFFD).
 inline ustring text_from_utf8(const std::uint8_t* data, std::size_t size) {
-  return krel::utf8_string_to_ustring(
-      std::string_view(reinterpret_cast<const char*>(data), size));
+  return krel::utf8_string_to_ustring(std::string_view(reinterpret_cast<const char*>(data), size));
 }
 
 /// The bytes read as little-endian UTF-16 code units; an odd last byte is
@@ -120,7 +119,8 @@ std::optional<krel::MessageException> message_thrown_by(Fn&& fn, const ustring& 
 /// True when the message of `e` carries exactly one argument, the text `argument`.
 inline bool has_text_argument(const krel::MessageException& e, const ustring& argument) {
   const auto& arguments = e.message().id().arguments;
-  return arguments.size() == 1 && arguments[0].index() == 2 && std::get<2>(arguments[0]) == argument;
+  return arguments.size() == 1 && arguments[0].index() == 2 &&
+         std::get<2>(arguments[0]) == argument;
 }
 
 /// Runs `fn`, which must not throw at all.
@@ -150,7 +150,9 @@ inline ustring cleaned(ustring text) {
 }
 
 /// `text` as UTF-16, so targets can feed narrow literals to the library.
-inline ustring u(std::string_view ascii) { return ustring(ascii.begin(), ascii.end()); }
+inline ustring u(std::string_view ascii) {
+  return ustring(ascii.begin(), ascii.end());
+}
 
 }  // namespace fuzz
 

@@ -83,8 +83,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const Outcome expected = reference(sub, array);
   std::optional<PathElementIndex> thrown_twin;
-  const auto thrown =
-      fuzz::message_thrown_by([&] { thrown_twin.emplace(ui::core::sub_to_ind(sub, array)); }, shown);
+  const auto thrown = fuzz::message_thrown_by(
+      [&] { thrown_twin.emplace(ui::core::sub_to_ind(sub, array)); }, shown);
   const std::optional<PathElementIndex> maybe = ui::core::sub_to_maybe_ind(sub, array);
   fuzz::require(maybe.has_value() == thrown_twin.has_value(),
                 "sub_to_maybe_ind is empty exactly where sub_to_ind throws", shown);
@@ -119,8 +119,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   for (const std::size_t n : {count, count + 1, raw_index}) {
     std::optional<krel::ArraySize> checked;
-    const auto refused = fuzz::message_thrown_by(
-        [&] { checked = ui::core::detail::check_array(array, n); }, shown);
+    const auto refused =
+        fuzz::message_thrown_by([&] { checked = ui::core::detail::check_array(array, n); }, shown);
     fuzz::require(checked.has_value() == (n == count), "check_array accepts the element count",
                   shown);
     if (checked) {

@@ -58,9 +58,9 @@ void check_character_functions(const ustring& text) {
     for (const std::size_t last : {n, n > first ? n - 1 : n, first + (n - first) / 2}) {
       const auto found = ui::core::find_node_sep(text.begin() + static_cast<std::ptrdiff_t>(first),
                                                  text.begin() + static_cast<std::ptrdiff_t>(last));
-      fuzz::require(static_cast<std::size_t>(found - text.begin()) ==
-                        reference_find_sep(text, first, last),
-                    "find_node_sep(first, last) stays inside its range", text);
+      fuzz::require(
+          static_cast<std::size_t>(found - text.begin()) == reference_find_sep(text, first, last),
+          "find_node_sep(first, last) stays inside its range", text);
     }
   }
   const bool escaped = reference_find_sep(text, 0, n) == n;

@@ -43,8 +43,8 @@ struct Expected {
 Expected expected_parse(const ustring& text) {
   Expected out;
   const std::size_t n = text.size();
-  const bool ends_ok = (n == 0 || text[0] != u'/') &&
-                       (n < 2 || text[n - 1] != u'/' || text[n - 2] == u'/');
+  const bool ends_ok =
+      (n == 0 || text[0] != u'/') && (n < 2 || text[n - 1] != u'/' || text[n - 2] == u'/');
   if (!ends_ok) {
     out.error = ErrorId::InvalidNodePath;
     out.argument = text;
@@ -110,15 +110,13 @@ std::optional<NodePath> check_parse(const ustring& text) {
                 text);
   fuzz::require(path->size() == cleaned_pieces.size() && path->empty() == cleaned_pieces.empty(),
                 "size and empty count the identifiers", text);
-  fuzz::require(path->ustring() == fuzz::cleaned(text), "the text form is the cleaned input",
-                text);
+  fuzz::require(path->ustring() == fuzz::cleaned(text), "the text form is the cleaned input", text);
   fuzz::require(NodePath(path->ustring()) == *path, "the text form parses back to an equal path",
                 text);
   if (path->empty()) {
     fuzz::require(thrown1 && ui::core::is_error(*thrown1, ErrorId::InvalidNodePath1) &&
                       fuzz::has_text_argument(*thrown1, ustring()),
-                  "NodePath1 refuses an empty path with InvalidNodePath1 and the empty text",
-                  text);
+                  "NodePath1 refuses an empty path with InvalidNodePath1 and the empty text", text);
   } else {
     fuzz::require(path1.has_value() && texts_of(*path1) == cleaned_pieces,
                   "NodePath1 holds what NodePath holds", text);

@@ -150,9 +150,9 @@ std::optional<ObjectPath> check_parsers(const ustring& text) {
   std::pair<ObjectPath, ustring> partial_names;
   fuzz::require_no_throw([&] { partial_names = ui::core::to_partial_name_path(text); },
                          "to_partial_name_path never throws for bad text", text);
-  fuzz::require(elements_of(partial_names.first) == names.elements &&
-                    partial_names.second == names.rest,
-                "to_partial_name_path gives the leading names and the rest", text);
+  fuzz::require(
+      elements_of(partial_names.first) == names.elements && partial_names.second == names.rest,
+      "to_partial_name_path gives the leading names and the rest", text);
   std::optional<ObjectPath> name_path;
   const auto name_thrown =
       fuzz::message_thrown_by([&] { name_path = ui::core::to_name_path(text); }, text);

@@ -155,8 +155,8 @@ void check_pair(const ObjectPathElement& a, const ObjectPathElement& b, const us
   fuzz::require(ui::core::equal_ignore_annotation(a, b) == equal,
                 "equal_ignore_annotation agrees with operator==", text);
   if (equal) {
-    fuzz::require(ui::core::hash_value(a) == ui::core::hash_value(b),
-                  "equal elements hash equal", text);
+    fuzz::require(ui::core::hash_value(a) == ui::core::hash_value(b), "equal elements hash equal",
+                  text);
   }
 }
 

@@ -94,8 +94,9 @@ void check(const ustring& text) {
   const ustring form = *built;
   fuzz::require(form == text_form(values), "the text form joins the values with \", \"", text);
   const ObjectPathSubscript again(form);
-  fuzz::require(Values(again) == values && again.equivalent(*built) && again.size() == values.size(),
-                "the text form parses back to an equal subscript", text);
+  fuzz::require(
+      Values(again) == values && again.equivalent(*built) && again.size() == values.size(),
+      "the text form parses back to an equal subscript", text);
   fuzz::require(ObjectPathSubscript(values).equivalent(*built),
                 "the vector constructor builds an equivalent subscript", text);
   std::ostringstream out;

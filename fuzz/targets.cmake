@@ -17,3 +17,4 @@ ui_core_fuzz_target(object_path_subscript LIBS ui_core::ui_core
 ui_core_fuzz_target(object_path_element LIBS ui_core::ui_core REQUIRES ui/core/object_path_element.h)
 ui_core_fuzz_target(object_path LIBS ui_core::ui_core REQUIRES ui/core/object_path.h)
 ui_core_fuzz_target(indexing LIBS ui_core::ui_core REQUIRES ui/core/indexing.h)
+ui_core_fuzz_target(unit_expr LIBS ui_core::ui_core REQUIRES ui/core/unit_conversion.h)

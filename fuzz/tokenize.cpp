@@ -18,7 +18,9 @@
 
 namespace {
 
-bool is_space_byte(char c) { return fuzz::is_space_unit(static_cast<unsigned char>(c)); }
+bool is_space_byte(char c) {
+  return fuzz::is_space_unit(static_cast<unsigned char>(c));
+}
 
 void check(const std::string& text, const std::string& delimiters) {
   const fuzz::ustring shown = fuzz::u(delimiters + " | ") + fuzz::ustring(text.begin(), text.end());

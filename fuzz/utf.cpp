@@ -97,8 +97,12 @@ Decoded decode_utf8(std::string_view bytes) {
   return out;
 }
 
-bool is_high(char16_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool is_low(char16_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
+bool is_high(char16_t c) {
+  return c >= 0xD800 && c <= 0xDBFF;
+}
+bool is_low(char16_t c) {
+  return c >= 0xDC00 && c <= 0xDFFF;
+}
 
 // Calls `each(code_point, lone)` for every code point of `text`; a lone
 // surrogate is passed with lone = true.
@@ -146,15 +150,15 @@ std::string encode_utf8(const ustring& text, char lone_replacement_ascii) {
 
 ustring without_lone_surrogates(const ustring& text) {
   ustring out;
-  for_each_code_point(text, [&](char32_t cp, bool lone) { append_code_point(out, lone ? 0xFFFD : cp); });
+  for_each_code_point(text,
+                      [&](char32_t cp, bool lone) { append_code_point(out, lone ? 0xFFFD : cp); });
   return out;
 }
 
 std::string ascii_with_question_marks(const ustring& text) {
   std::string out;
-  for_each_code_point(text, [&](char32_t cp, bool) {
-    out.push_back(cp < 0x80 ? static_cast<char>(cp) : '?');
-  });
+  for_each_code_point(
+      text, [&](char32_t cp, bool) { out.push_back(cp < 0x80 ? static_cast<char>(cp) : '?'); });
   return out;
 }
 

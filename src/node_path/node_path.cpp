@@ -112,7 +112,8 @@ void NodePathBase::append_(const NodePathBase& other) {
   std::vector<NodeId>& to = rep_.write().ids;
   // reserve is the only step that can fail; once it succeeded, copying NodeIds
   // cannot throw, so the path is either unchanged or fully appended.
-  for (const NodeId& id : from) to.push_back(id);
+  to.reserve(to.size() + from.size());
+  to.insert(to.end(), from.begin(), from.end());
 }
 
 std::ostream& operator<<(std::ostream& os, const NodePathBase& path) {

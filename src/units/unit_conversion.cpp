@@ -50,8 +50,7 @@ ustring ps2dravik_nonaffine_unit_conversion(const units::Expr& expr, bool nonaff
   if (candidate.info().affine) return text_of(expr);
   if (!units::commensurate(expr, candidate)) return text_of(expr);
 
-  const units::Conversion factor =
-      units::conversion(candidate, expr, units::ConversionMode(1));
+  const units::Conversion factor = units::conversion(candidate, expr, units::ConversionMode(1));
   return factor.linear().isOne() ? text_of(candidate) : text_of(expr);
 }
 

@@ -686,12 +686,13 @@ TEST(NodePathThreads, CopiesAreUsedAndDestroyedOnManyThreadsAtOnce) {
       threads.emplace_back([&, t] {
         for (int i = 0; i < 2000; ++i) {
           NodePath1 copy = shared;
+          const NodePath1& view = copy;  // reads that keep the record shared
           const NodeId id = shared_id;
-          if (copy.size() != 3 || copy.ustring() != u"Body//Frame/mass/x") ++mismatches;
-          if (!(id == copy.front())) ++mismatches;
+          if (view.size() != 3 || view.ustring() != u"Body//Frame/mass/x") ++mismatches;
+          if (!(id == view.front()) || !view.shares_storage_with(shared)) ++mismatches;
           if ((i + t) % 5 == 0) {
             copy.push_back(NodeId(u"y"));  // detaches this copy only
-            if (copy.size() != 4) ++mismatches;
+            if (copy.size() != 4 || copy.shares_storage_with(shared)) ++mismatches;
           }
           const auto rest = relpath(copy, NodePath(shared_id));
           if (!rest || rest->front().ustring() != u"mass") ++mismatches;

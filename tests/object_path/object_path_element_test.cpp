@@ -245,6 +245,16 @@ TEST(ObjectPathElement, FeedsASubscriptAsKindCountStoredSizeAndValues) {
   EXPECT_EQ(expected[3], (std::vector<unsigned char>{0, 0, 0, 0, 0, 0, 0, 5}));
 }
 
+TEST(ObjectPathElement, FeedsEveryStoredPositionNotOnlyTheCount) {
+  // The default subscript stores the two positions 1 and 1 with count 1, so it
+  // feeds more bytes than the equal subscript parsed from "//1".
+  const Bytes default_feed = {be8(0), be8(1), be8(2), be8(1), be8(1)};
+  EXPECT_EQ(feed_of(ObjectPathElement()), default_feed);
+  const Bytes parsed_feed = {be8(0), be8(1), be8(1), be8(1)};
+  EXPECT_EQ(feed_of(*ui::core::make_element(u"//1")), parsed_feed);
+  EXPECT_TRUE(ObjectPathElement() == *ui::core::make_element(u"//1"));
+}
+
 TEST(ObjectPathElement, FeedsLargeValuesBigEndian) {
   const ObjectPathElement e = sub({0x0102030405060708UL});
   const Bytes expected = {be8(0), be8(1), be8(1), {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08}};

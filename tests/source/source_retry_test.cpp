@@ -11,12 +11,26 @@
 // The only test of this process. It finds only the test set "flaky", whose
 // bundle refuses its first start.
 
+// ThreadSanitizer's replacement of pthread_once, on which std::call_once is
+// built, never returns when the callable throws, so under it this test would
+// hang instead of testing the kernel.
+#if defined(__SANITIZE_THREAD__)
+constexpr bool under_thread_sanitizer = true;
+#elif defined(__has_feature)
+constexpr bool under_thread_sanitizer = __has_feature(thread_sanitizer);
+#else
+constexpr bool under_thread_sanitizer = false;
+#endif
+
 namespace {
 
 using namespace source_test;
 using bundle_probe::Event;
 
 TEST(CreateSource, FailedInstallationPassesItsExceptionAndIsTriedAgain) {
+  if (under_thread_sanitizer) {
+    GTEST_SKIP() << "std::call_once with a throwing callable hangs under ThreadSanitizer";
+  }
   use_bundle_sets("flaky");
   const krel::Location where(u"retry.ssc", 2, 3);
   try {

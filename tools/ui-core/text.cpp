@@ -1,6 +1,7 @@
 // ui-core block-name, block-path-without-model, escape-xml, access,
 // unit-conversion-type: the enumerations and text utilities of the library.
 
+#include <cstdint>
 #include <cstdio>
 #include <iostream>
 #include <memory>
@@ -101,7 +102,7 @@ void setup_text(CLI::App& app, Outcome& outcome) {
         "Copy standard input (UTF-8) to standard output with & ' \" > < escaped for XML; "
         "invalid UTF-8 becomes U+FFFD");
     cmd->add_option("--chunk-size", *chunk, "Bytes read at a time (default 65536)")
-        ->check(CLI::Range(std::size_t{1}, std::size_t{1} << 30));
+        ->check(CLI::Range(std::size_t{1}, std::size_t{1} << 26));
     cmd->callback([chunk, &outcome] { outcome.exit_code = escape_stream(stdin, stdout, *chunk); });
   }
   {

@@ -1,7 +1,9 @@
 // ui-core unit: what the units library makes of a unit expression.
 
+#include <iomanip>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "command.h"
@@ -29,8 +31,16 @@ std::string exact_and_decimal(const units::ConversionRational& value) {
   return out;
 }
 
-// One unit of `expr` in base units: the scale and the base product.
-void print_base(const units::Expr& expr) {
+std::string exact_and_decimal(const units::Magnitude& value) {
+  if (value.is_rational()) return exact_and_decimal(value.rational_part());
+  std::ostringstream decimal;
+  decimal << std::setprecision(10) << value.to_double();
+  return value.to_string() + " (" + decimal.str() + ")";
+}
+
+// One unit of `expr` in base units: "1 degF = 5/9 (0.5555555556) K", and for an
+// affine unit where its zero lies.
+std::string base_lines(const units::Expr& expr) {
   const units::Context& context = *expr.context();
   units::Factors base;
   units::Magnitude scale;
@@ -40,19 +50,13 @@ void print_base(const units::Expr& expr) {
     scale *= unit.scale.pow(exponent);
   }
   const std::string base_text = units::to_raw_expr(base).text();
-  std::cout << "base: 1 " << units::to_raw_expr(expr.info().factors).text() << " = "
-            << scale.to_string();
-  if (!scale.is_rational()) {
-    std::cout << " (" << units::to_decimal_string(units::ConversionRational(1)) << "*"
-              << scale.to_double() << ")";
-  } else if (!scale.rational_part().isInteger()) {
-    std::cout << " (" << units::to_decimal_string(scale.rational_part()) << ")";
-  }
-  std::cout << ' ' << base_text << '\n';
+  std::string out = "base: 1 " + units::to_raw_expr(expr.info().factors).text() + " = " +
+                    exact_and_decimal(scale) + " " + base_text + "\n";
   if (expr.info().affine) {
     const units::Unit& unit = *context.find(expr.info().factors.singleton()->view());
-    std::cout << "zero: " << exact_and_decimal(unit.offset) << ' ' << base_text << '\n';
+    out += "zero: " + exact_and_decimal(unit.offset) + " " + base_text + "\n";
   }
+  return out;
 }
 
 void setup_unit(CLI::App& app, Outcome& /*outcome*/) {
@@ -63,30 +67,33 @@ void setup_unit(CLI::App& app, Outcome& /*outcome*/) {
   };
   auto opts = std::make_shared<Options>();
   CLI::App* cmd = app.add_subcommand(
-      "unit", "Show a unit expression's canonical text, its conversion to another and its non-affine text");
+      "unit",
+      "Show a unit expression's canonical text, its conversion to another and its non-affine text");
   cmd->add_option("expression", opts->expression, "Unit expression, e.g. kg*m^2/s^2, degF, km/h")
       ->required();
   cmd->add_option("--to", opts->to, "Print the exact conversion to this unit expression");
   cmd->add_flag("--nonaffine", opts->nonaffine,
                 "Convert without offsets (linear) and show the non-affine (delta) unit text");
   cmd->callback([opts] {
+    // Everything is worked out before anything is printed, so a refused input
+    // prints only its error.
     const units::Expr expr = parse_or_refuse(opts->expression);
-    std::cout << "text: " << units::to_raw_expr(expr.info().factors).text() << '\n';
-    std::cout << "affine: " << (expr.info().affine ? "yes" : "no") << '\n';
-    print_base(expr);
+    std::string out = "text: " + units::to_raw_expr(expr.info().factors).text() + "\n";
+    out += std::string("affine: ") + (expr.info().affine ? "yes" : "no") + "\n";
+    out += base_lines(expr);
     if (!opts->to.empty()) {
       const units::Expr to = parse_or_refuse(opts->to);
       const units::ConversionMode mode =
           opts->nonaffine ? units::ConversionMode::linear : units::ConversionMode::affine;
       const units::Conversion c = units::conversion(expr, to, mode);
-      std::cout << "to: " << units::to_raw_expr(to.info().factors).text() << " ("
-                << (opts->nonaffine ? "linear" : "affine") << ": y = factor*x + offset)\n";
-      std::cout << "factor: " << exact_and_decimal(c.linear()) << '\n';
-      std::cout << "offset: " << exact_and_decimal(c.offset()) << '\n';
+      out += "to: " + units::to_raw_expr(to.info().factors).text() + " (" +
+             (opts->nonaffine ? "linear" : "affine") + ": y = factor*x + offset)\n";
+      out += "factor: " + exact_and_decimal(c.linear()) + "\n";
+      out += "offset: " + exact_and_decimal(c.offset()) + "\n";
     }
-    std::cout << (opts->nonaffine ? "nonaffine display: " : "display: ")
-              << to_out(ui::core::ps2dravik_nonaffine_unit_conversion(expr, opts->nonaffine))
-              << '\n';
+    out += std::string(opts->nonaffine ? "nonaffine display: " : "display: ") +
+           to_out(ui::core::ps2dravik_nonaffine_unit_conversion(expr, opts->nonaffine)) + "\n";
+    std::cout << out;
   });
 }
 

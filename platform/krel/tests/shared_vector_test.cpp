@@ -48,7 +48,6 @@ struct Tracked {
     if (destroyed != nullptr) destroyed->push_back(value);
     --live;
   }
-  friend bool operator==(const Tracked& a, const Tracked& b) { return a.value == b.value; }
 };
 
 class SharedVectorTracked : public ::testing::Test {

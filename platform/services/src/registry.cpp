@@ -123,7 +123,6 @@ void Registry::remove(const RecordPtr& record) {
     if (records.empty()) services_.erase(record->interface_id_);
     record->registered_.store(false, std::memory_order_release);
     object = std::move(record->service_);
-    object.reset();
   }
   // `object` is released here, after the lock: its destructor may use the registry.
 }

@@ -103,7 +103,12 @@ struct Context::Builder {
     if (f.size() < 3 || f.size() > 4 || (f.size() == 4 && f[3] != "prefixes")) {
       fail("expected: base <id> <quantity> [prefixes]");
     }
-    Unit unit{new_id(f[1]), Factors(), Magnitude(), ConversionRational(), true, f.size() == 4,
+    Unit unit{new_id(f[1]),
+              Factors(),
+              Magnitude(),
+              ConversionRational(),
+              true,
+              f.size() == 4,
               "base unit of " + std::string(f[2])};
     unit.dimension = Factors(unit.id, Exponent(1));
     context.bases_.push_back(BaseUnit{unit.id, std::string(f[2])});
@@ -111,7 +116,8 @@ struct Context::Builder {
   }
 
   void unit(const std::vector<std::string_view>& f) {
-    if (f.size() < 4) fail("expected: unit <id> <factor> <expression> [offset=<number>] [prefixes]");
+    if (f.size() < 4)
+      fail("expected: unit <id> <factor> <expression> [offset=<number>] [prefixes]");
     UnitId id = new_id(f[1]);
     const Magnitude scale = factor(f[2]);
     std::optional<ConversionRational> offset;
@@ -135,8 +141,8 @@ struct Context::Builder {
       fail("cannot read '" + expr_text + "' at position " + std::to_string(failure->position + 1));
     }
     const krel::ustring wide(expr_text.begin(), expr_text.end());
-    auto result = detail::reduce(std::get<Factors>(parsed),
-                                 [this](std::string_view name) { return lookup(name); }, wide);
+    auto result = detail::reduce(
+        std::get<Factors>(parsed), [this](std::string_view name) { return lookup(name); }, wide);
     if (const auto* problem = std::get_if<detail::MsgId>(&result)) {
       fail("'" + expr_text + "' is not a valid expression here (" + problem->key +
            "); a definition may only use units declared above it");
@@ -145,13 +151,19 @@ struct Context::Builder {
 
     // One unit is `scale` units of the reference, and its zero lies at
     // `offset` units of the reference: base = ref.scale * (scale * x + offset) + ref.offset.
-    Unit out{id, ref.dimension, scale * ref.scale, ref.offset, false, prefixable,
+    Unit out{id,
+             ref.dimension,
+             scale * ref.scale,
+             ref.offset,
+             false,
+             prefixable,
              std::string(f[2]) + " " + expr_text};
     if (offset && !offset->isZero()) {
       if (!ref.scale.is_rational()) fail("an offset needs a reference with a rational scale");
       out.offset += *offset * ref.scale.rational_part();
     }
-    if (out.affine() && !out.scale.is_rational()) fail("a unit with an offset needs a rational scale");
+    if (out.affine() && !out.scale.is_rational())
+      fail("a unit with an offset needs a rational scale");
     if (out.affine() && prefixable) fail("a unit with an offset takes no prefixes");
     if (offset) out.definition += " " + offset_text;
     add(std::move(out));
@@ -173,9 +185,9 @@ struct Context::Builder {
           fail("the prefixed forms '" + it->second.definition + "' and 'prefix " + p.symbol +
                " of " + name + "' are both spelled '" + id + "'");
         }
-        generated.emplace(id, Unit{UnitId(id), unit.dimension, Magnitude(p.factor) * unit.scale,
-                                   ConversionRational(), false, false,
-                                   "prefix " + p.symbol + " of " + name});
+        generated.emplace(
+            id, Unit{UnitId(id), unit.dimension, Magnitude(p.factor) * unit.scale,
+                     ConversionRational(), false, false, "prefix " + p.symbol + " of " + name});
       }
     }
     context.units_.insert(generated.begin(), generated.end());
@@ -188,7 +200,8 @@ struct Context::Builder {
       std::size_t end = data.find('\n', start);
       if (end == std::string_view::npos) end = data.size();
       std::string_view text = data.substr(start, end - start);
-      if (const auto hash = text.find('#'); hash != std::string_view::npos) text = text.substr(0, hash);
+      if (const auto hash = text.find('#'); hash != std::string_view::npos)
+        text = text.substr(0, hash);
       const auto f = fields(text);
       if (!f.empty()) {
         if (f[0] == "prefix") {

@@ -6,7 +6,9 @@
 namespace units2::core {
 namespace {
 
-krel::ustring text_of(const detail::ExprRep& rep) { return to_raw_expr(rep.info.factors); }
+krel::ustring text_of(const detail::ExprRep& rep) {
+  return to_raw_expr(rep.info.factors);
+}
 
 }  // namespace
 
@@ -30,8 +32,8 @@ Conversion conversion(const Expr& from, const Expr& to, ConversionMode mode) {
     const ConversionRational shift = a.reduced.offset - b.reduced.offset;
     if (!shift.isZero()) {
       if (!b.reduced.scale.is_rational()) {
-        detail::throw_message(
-            detail::inexact_conversion(text_of(a), text_of(b), (Magnitude(1) / b.reduced.scale).to_string()));
+        detail::throw_message(detail::inexact_conversion(
+            text_of(a), text_of(b), (Magnitude(1) / b.reduced.scale).to_string()));
       }
       offset = shift / b.reduced.scale.rational_part();
     }

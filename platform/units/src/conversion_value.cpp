@@ -13,7 +13,9 @@ using boost::multiprecision::cpp_int;
 // physical constant, small enough that 10^e stays cheap.
 constexpr int max_written_exponent = 1000;
 
-cpp_int power_of_ten(unsigned exponent) { return boost::multiprecision::pow(cpp_int(10), exponent); }
+cpp_int power_of_ten(unsigned exponent) {
+  return boost::multiprecision::pow(cpp_int(10), exponent);
+}
 
 // cpp_int reads a leading "0" as an octal prefix, so decimal digits are
 // handed over without leading zeros.
@@ -22,7 +24,9 @@ cpp_int from_decimal_digits(std::string_view digits) {
   return first == std::string_view::npos ? cpp_int(0) : cpp_int(std::string(digits.substr(first)));
 }
 
-std::size_t digit_count(const cpp_int& positive) { return positive.str().size(); }
+std::size_t digit_count(const cpp_int& positive) {
+  return positive.str().size();
+}
 
 bool all_digits(std::string_view text) {
   if (text.empty()) return false;
@@ -66,7 +70,8 @@ std::optional<ConversionRational> parse_decimal(std::string_view text) {
   }
   cpp_int value = from_decimal_digits(digits);
   if (negative) value = -value;
-  if (exponent >= 0) return ConversionRational(value * power_of_ten(static_cast<unsigned>(exponent)));
+  if (exponent >= 0)
+    return ConversionRational(value * power_of_ten(static_cast<unsigned>(exponent)));
   return ConversionRational(value, power_of_ten(static_cast<unsigned>(-exponent)));
 }
 

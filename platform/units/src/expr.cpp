@@ -183,7 +183,8 @@ std::shared_ptr<const Context> context_of(const ContextGetter& getter) {
 void resolve(ExprRep& rep, const Factors& factors, const krel::ustring& text) {
   try {
     const Context& context = *rep.context;
-    auto result = reduce(factors, [&context](std::string_view id) { return context.find(id); }, text);
+    auto result = reduce(
+        factors, [&context](std::string_view id) { return context.find(id); }, text);
     if (auto* problem = std::get_if<MsgId>(&result)) {
       rep.problem.emplace(std::move(*problem));
       return;
@@ -240,15 +241,25 @@ Expr& Expr::operator=(const Expr&) noexcept = default;
 Expr& Expr::operator=(Expr&&) noexcept = default;
 Expr::~Expr() = default;
 
-bool Expr::isValid() const noexcept { return rep_.read().valid; }
+bool Expr::isValid() const noexcept {
+  return rep_.read().valid;
+}
 
-const ExprInfo& Expr::info() const noexcept { return rep_.read().info; }
+const ExprInfo& Expr::info() const noexcept {
+  return rep_.read().info;
+}
 
-const std::optional<krel::Message>& Expr::problem() const noexcept { return rep_.read().problem; }
+const std::optional<krel::Message>& Expr::problem() const noexcept {
+  return rep_.read().problem;
+}
 
-const std::shared_ptr<const Context>& Expr::context() const noexcept { return rep_.read().context; }
+const std::shared_ptr<const Context>& Expr::context() const noexcept {
+  return rep_.read().context;
+}
 
-krel::Message Expr::invalidMessage() { return krel::Message(detail::invalid_expression()); }
+krel::Message Expr::invalidMessage() {
+  return krel::Message(detail::invalid_expression());
+}
 
 bool commensurate(const Expr& a, const Expr& b) noexcept {
   const detail::ExprRep& x = detail::ExprAccess::rep(a);

@@ -30,8 +30,9 @@ std::optional<UnitId> Factors::singleton() const {
 }
 
 Exponent Factors::exponent(const UnitId& id) const {
-  const auto it = std::lower_bound(items_.begin(), items_.end(), id,
-                                   [](const value_type& item, const UnitId& key) { return item.first < key; });
+  const auto it =
+      std::lower_bound(items_.begin(), items_.end(), id,
+                       [](const value_type& item, const UnitId& key) { return item.first < key; });
   return it != items_.end() && it->first == id ? it->second : Exponent();
 }
 
@@ -85,7 +86,9 @@ bool Factors::invariant() const noexcept {
   return true;
 }
 
-RawExpr::operator krel::ustring() const { return krel::ustring(text_.begin(), text_.end()); }
+RawExpr::operator krel::ustring() const {
+  return krel::ustring(text_.begin(), text_.end());
+}
 
 RawExpr to_raw_expr(const Factors& factors) {
   std::string numerator;

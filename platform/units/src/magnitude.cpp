@@ -81,7 +81,9 @@ ConversionRational integer_power(const ConversionRational& base, ExponentValue n
 
 // The member Magnitude::to_string hides the rationals' to_string, which is
 // found only by argument-dependent lookup; this name is not hidden.
-std::string text(const ConversionRational& r) { return to_string(r); }
+std::string text(const ConversionRational& r) {
+  return to_string(r);
+}
 
 std::string base_text(const ConversionRational& base) {
   return base.isInteger() ? to_string(base) : "(" + to_string(base) + ")";
@@ -161,7 +163,8 @@ std::string Magnitude::to_string() const {
     out += part;
   };
   if (!rational_.isOne() || is_rational()) out = text(rational_);
-  for (const auto& [base, exponent] : roots_) append(base_text(base) + "^" + exponent_text(exponent));
+  for (const auto& [base, exponent] : roots_)
+    append(base_text(base) + "^" + exponent_text(exponent));
   if (!pi_.isZero()) append(pi_.isOne() ? std::string("pi") : "pi^" + exponent_text(pi_));
   return out;
 }
@@ -169,12 +172,13 @@ std::string Magnitude::to_string() const {
 double Magnitude::to_double() const {
   double value = units2::core::to_double(rational_);
   for (const auto& [base, exponent] : roots_) {
-    value *= std::pow(units2::core::to_double(base),
-                      static_cast<double>(exponent.numerator()) / static_cast<double>(exponent.denominator()));
+    value *=
+        std::pow(units2::core::to_double(base), static_cast<double>(exponent.numerator()) /
+                                                    static_cast<double>(exponent.denominator()));
   }
   if (!pi_.isZero()) {
-    value *= std::pow(std::numbers::pi,
-                      static_cast<double>(pi_.numerator()) / static_cast<double>(pi_.denominator()));
+    value *= std::pow(std::numbers::pi, static_cast<double>(pi_.numerator()) /
+                                            static_cast<double>(pi_.denominator()));
   }
   return value;
 }

@@ -12,11 +12,15 @@ MsgId make(std::string_view key) {
   return id;
 }
 
-krel::ustring widen(std::string_view text) { return krel::utf8_string_to_ustring(text); }
+krel::ustring widen(std::string_view text) {
+  return krel::utf8_string_to_ustring(text);
+}
 
 }  // namespace
 
-void throw_message(MsgId id) { throw krel::MessageException(krel::Message(std::move(id))); }
+void throw_message(MsgId id) {
+  throw krel::MessageException(krel::Message(std::move(id)));
+}
 
 MsgId invalid_unit_id(std::string_view text) {
   MsgId id = make("InvalidUnitId");
@@ -24,7 +28,9 @@ MsgId invalid_unit_id(std::string_view text) {
   return id;
 }
 
-MsgId invalid_expression() { return make("InvalidExpression"); }
+MsgId invalid_expression() {
+  return make("InvalidExpression");
+}
 
 MsgId syntax_error(const krel::ustring& text, std::uint64_t position) {
   MsgId id = make("SyntaxError");
@@ -69,11 +75,17 @@ MsgId invalid_conversion_mode(std::int64_t mode) {
   return id;
 }
 
-MsgId factor_too_large() { return make("FactorTooLarge"); }
+MsgId factor_too_large() {
+  return make("FactorTooLarge");
+}
 
-MsgId non_finite_exponent() { return make("NonFiniteExponent"); }
+MsgId non_finite_exponent() {
+  return make("NonFiniteExponent");
+}
 
-MsgId non_finite_conversion_value() { return make("NonFiniteConversionValue"); }
+MsgId non_finite_conversion_value() {
+  return make("NonFiniteConversionValue");
+}
 
 MsgId invalid_database(std::string_view source, std::uint64_t line, std::string_view reason) {
   MsgId id = make("InvalidDatabase");

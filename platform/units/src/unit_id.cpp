@@ -9,8 +9,12 @@ namespace units2::core {
 namespace detail {
 namespace {
 
-constexpr bool is_letter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-constexpr bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
+constexpr bool is_letter(char c) noexcept {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+constexpr bool is_digit(char c) noexcept {
+  return c >= '0' && c <= '9';
+}
 
 }  // namespace
 
@@ -38,7 +42,9 @@ std::optional<UnitId> UnitId::make(std::string_view text) {
   return UnitId(text);
 }
 
-bool UnitId::invariant() const noexcept { return detail::is_unit_id_text(view()); }
+bool UnitId::invariant() const noexcept {
+  return detail::is_unit_id_text(view());
+}
 
 std::size_t hash_value(const UnitId& id) noexcept {
   return boost::hash_range(id.data(), id.data() + id.size());

@@ -16,7 +16,9 @@ using units2::core::ConversionRational;
 using units2::core::Expr;
 using units2::core::get_service;
 
-const Context& builtin() { return *Context::builtin(); }
+const Context& builtin() {
+  return *Context::builtin();
+}
 
 TEST(Context, ServiceGivesTheBuiltinDatabase) {
   const auto service = get_service();
@@ -33,9 +35,12 @@ TEST(Context, HoldsTheSevenSiBaseUnitsAndAngle) {
 
 TEST(Context, UnitsAreKeyedByIdText) {
   const auto& units = builtin().units();
-  for (const char* id : {"m", "kg", "g", "s", "N", "Pa", "J", "W", "in", "ft", "yd", "mi", "lbm", "lbf", "psi",
-                         "rpm", "bar", "atm", "deg", "rad", "l", "L", "min", "hr", "h", "day", "K", "degC",
-                         "degF", "degR", "deltaK", "deltadegC", "deltadegF", "deltadegR", "tstU", "deltatstU"}) {
+  for (const char* id :
+       {"m",         "kg",        "g",    "s",        "N",    "Pa",   "J",      "W",
+        "in",        "ft",        "yd",   "mi",       "lbm",  "lbf",  "psi",    "rpm",
+        "bar",       "atm",       "deg",  "rad",      "l",    "L",    "min",    "hr",
+        "h",         "day",       "K",    "degC",     "degF", "degR", "deltaK", "deltadegC",
+        "deltadegF", "deltadegR", "tstU", "deltatstU"}) {
     EXPECT_EQ(units.count(id), 1u) << id;
   }
   EXPECT_EQ(units.count("deltam"), 0u);
@@ -44,8 +49,8 @@ TEST(Context, UnitsAreKeyedByIdText) {
 
 TEST(Context, PrefixesApplyByRule) {
   const auto& units = builtin().units();
-  for (const char* id : {"km", "mm", "um", "dam", "mg", "Mg", "ms", "kN", "MPa", "kPa", "mbar", "kWh", "mA", "mK",
-                         "mL", "ml", "GHz", "keV", "mrad", "kt"}) {
+  for (const char* id : {"km",   "mm",  "um", "dam", "mg", "Mg", "ms",  "kN",  "MPa",  "kPa",
+                         "mbar", "kWh", "mA", "mK",  "mL", "ml", "GHz", "keV", "mrad", "kt"}) {
     EXPECT_EQ(units.count(id), 1u) << id;
   }
   // kg is the base unit: g takes the prefixes, kg does not.
@@ -111,7 +116,7 @@ TEST(Context, RefusesBrokenDatabasesNamingTheLine) {
   expect_database_error("frobnicate x", 1);
   expect_database_error("base m length\nbase m length", 2);
   expect_database_error("base m length\nunit 2x 1 m", 2);
-  expect_database_error("base m length\nunit ft 0.3048 yd", 2);          // unknown reference
+  expect_database_error("base m length\nunit ft 0.3048 yd", 2);            // unknown reference
   expect_database_error("base m length\nunit yd 3 ft\nunit ft 12 in", 2);  // declared later
   expect_database_error("base m length\nunit ft abc m", 2);
   expect_database_error("base m length\nunit ft 0 m", 2);
@@ -130,9 +135,10 @@ TEST(Context, RefusesBrokenDatabasesNamingTheLine) {
 }
 
 TEST(Context, EveryMessageOfTheLibraryHasEnglishAndGermanText) {
-  for (const char* key : {"InvalidUnitId", "InvalidExpression", "SyntaxError", "UnknownUnit", "OffsetUnitNotAlone",
-                          "NotCommensurate", "InexactConversion", "InvalidConversionMode", "FactorTooLarge",
-                          "NonFiniteExponent", "NonFiniteConversionValue", "InvalidDatabase"}) {
+  for (const char* key :
+       {"InvalidUnitId", "InvalidExpression", "SyntaxError", "UnknownUnit", "OffsetUnitNotAlone",
+        "NotCommensurate", "InexactConversion", "InvalidConversionMode", "FactorTooLarge",
+        "NonFiniteExponent", "NonFiniteConversionValue", "InvalidDatabase"}) {
     EXPECT_TRUE(msgcat::find_pattern("units2:core", key, "en")) << key;
     EXPECT_TRUE(msgcat::find_pattern("units2:core", key, "de")) << key;
   }

@@ -25,7 +25,9 @@ ConversionRational factor(const ustring& from, const ustring& to) {
   EXPECT_TRUE(c.offset().isZero());
   return c.linear();
 }
-ConversionRational r(long long n, long long d = 1) { return ConversionRational(n, d); }
+ConversionRational r(long long n, long long d = 1) {
+  return ConversionRational(n, d);
+}
 
 TEST(Conversion, ImperialLengthsAreExact) {
   EXPECT_EQ(factor(u"in", u"m"), r(127, 5000));
@@ -43,7 +45,8 @@ TEST(Conversion, PoundsAreExact) {
   EXPECT_EQ(factor(u"lbf", u"N"), r(45359237, 100000000) * r(980665, 100000));
   // psi = lbf/in^2, exactly
   EXPECT_EQ(factor(u"psi", u"lbf/in^2"), r(1));
-  EXPECT_EQ(factor(u"psi", u"Pa"), r(45359237, 100000000) * r(980665, 100000) / (r(127, 5000) * r(127, 5000)));
+  EXPECT_EQ(factor(u"psi", u"Pa"),
+            r(45359237, 100000000) * r(980665, 100000) / (r(127, 5000) * r(127, 5000)));
 }
 
 TEST(Conversion, PressureAndEnergy) {
@@ -54,7 +57,8 @@ TEST(Conversion, PressureAndEnergy) {
   EXPECT_EQ(factor(u"N*m", u"J"), r(1));
   EXPECT_EQ(factor(u"eV", u"J"),
             ConversionRational(1602176634, ConversionValue("10000000000000000000000000000")));
-  EXPECT_EQ(factor(u"hp", u"W"), r(550) * r(381, 1250) * r(45359237, 100000000) * r(980665, 100000));
+  EXPECT_EQ(factor(u"hp", u"W"),
+            r(550) * r(381, 1250) * r(45359237, 100000000) * r(980665, 100000));
 }
 
 TEST(Conversion, TimeVolumeAndPrefixes) {
@@ -105,12 +109,12 @@ TEST(Conversion, AnglesAreExactAmongTurnsAndDegrees) {
 
 TEST(Conversion, RadiansToDegreesIsRefusedNotRounded) {
   // 1 rpm is 2*pi/60 rad/s, which no rational factor represents.
-  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"rpm", u"rad/s"); }, "units2:core",
-                                           "InexactConversion",
-                                           {ustring(u"rpm"), ustring(u"rad/s"), ustring(u"1/30*pi")}));
-  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"rad", u"deg"); }, "units2:core",
-                                           "InexactConversion",
-                                           {ustring(u"rad"), ustring(u"deg"), ustring(u"180*pi^-1")}));
+  EXPECT_TRUE(test_support::throws_message(
+      [] { (void)linear(u"rpm", u"rad/s"); }, "units2:core", "InexactConversion",
+      {ustring(u"rpm"), ustring(u"rad/s"), ustring(u"1/30*pi")}));
+  EXPECT_TRUE(test_support::throws_message(
+      [] { (void)linear(u"rad", u"deg"); }, "units2:core", "InexactConversion",
+      {ustring(u"rad"), ustring(u"deg"), ustring(u"180*pi^-1")}));
 }
 
 TEST(Conversion, RationalPowersConvertWhenTheRootIsExact) {
@@ -118,29 +122,30 @@ TEST(Conversion, RationalPowersConvertWhenTheRootIsExact) {
   EXPECT_EQ(factor(u"(m^3)^(1/3)", u"m"), r(1));
   // 1000^(1/2) * 10^(1/2) is 100: the roots cancel.
   EXPECT_EQ(factor(u"km^(1/2)*dam^(1/2)", u"m"), r(100));
-  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"km^(1/2)", u"m^(1/2)"); }, "units2:core",
-                                           "InexactConversion",
-                                           {ustring(u"km^(1/2)"), ustring(u"m^(1/2)"), ustring(u"10*10^(1/2)")}));
+  EXPECT_TRUE(test_support::throws_message(
+      [] { (void)linear(u"km^(1/2)", u"m^(1/2)"); }, "units2:core", "InexactConversion",
+      {ustring(u"km^(1/2)"), ustring(u"m^(1/2)"), ustring(u"10*10^(1/2)")}));
 }
 
 TEST(Conversion, RefusesExpressionsOfDifferentQuantities) {
-  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"m", u"s"); }, "units2:core", "NotCommensurate",
-                                           {ustring(u"m"), ustring(u"s")}));
-  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"deltatstV", u"tstV"); }, "units2:core",
-                                           "NotCommensurate", {ustring(u"deltatstV"), ustring(u"tstV")}));
+  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"m", u"s"); }, "units2:core",
+                                           "NotCommensurate", {ustring(u"m"), ustring(u"s")}));
+  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"deltatstV", u"tstV"); },
+                                           "units2:core", "NotCommensurate",
+                                           {ustring(u"deltatstV"), ustring(u"tstV")}));
 }
 
 TEST(Conversion, RefusesInvalidExpressions) {
-  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"m^", u"m"); }, "units2:core", "InvalidExpression",
-                                           {}));
+  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"m^", u"m"); }, "units2:core",
+                                           "InvalidExpression", {}));
   EXPECT_TRUE(test_support::throws_message([] { (void)affine(u"m", u"furlong"); }, "units2:core",
                                            "InvalidExpression", {}));
 }
 
 TEST(Conversion, RefusesUnknownModes) {
   EXPECT_TRUE(test_support::throws_message(
-      [] { (void)conversion(Expr(u"m"), Expr(u"m"), static_cast<ConversionMode>(7)); }, "units2:core",
-      "InvalidConversionMode", {std::int64_t{7}}));
+      [] { (void)conversion(Expr(u"m"), Expr(u"m"), static_cast<ConversionMode>(7)); },
+      "units2:core", "InvalidConversionMode", {std::int64_t{7}}));
 }
 
 }  // namespace

@@ -22,7 +22,8 @@ TEST(ParseExactNumber, ReadsDecimalsExactly) {
 }
 
 TEST(ParseExactNumber, RefusesOtherText) {
-  for (const char* text : {"", "-", "1.2.3", "1e", "e5", "1/0", "pi", "1 ", "0x10", "1e99999", "1/-2"}) {
+  for (const char* text :
+       {"", "-", "1.2.3", "1e", "e5", "1/0", "pi", "1 ", "0x10", "1e99999", "1/-2"}) {
     EXPECT_FALSE(parse_exact_number(text).has_value()) << text;
   }
 }
@@ -37,8 +38,9 @@ TEST(ToDecimalString, RoundsToTheGivenSignificantDigits) {
   EXPECT_EQ(to_decimal_string(ConversionRational(999999, 1000000), 3), "1");
   EXPECT_EQ(*parse_exact_number(to_decimal_string(*parse_exact_number("1.602176634e-19"))),
             *parse_exact_number("1.602176634e-19"));
-  EXPECT_EQ(to_decimal_string(ConversionRational(ConversionValue("1000000000000000000000000000000"))),
-            "1e30");
+  EXPECT_EQ(
+      to_decimal_string(ConversionRational(ConversionValue("1000000000000000000000000000000"))),
+      "1e30");
 }
 
 TEST(ToDouble, ApproximatesTheValue) {

@@ -13,8 +13,8 @@ namespace {
 
 using krel::ustring;
 using units2::core::ContextGetter;
-using units2::core::Expr;
 using units2::core::Exponent;
+using units2::core::Expr;
 using units2::core::Factors;
 using units2::core::to_raw_expr;
 using units2::core::UnitId;
@@ -47,8 +47,8 @@ TEST(Expr, ParsesAndPrintsCanonicalText) {
 }
 
 TEST(Expr, CanonicalTextParsesBackToTheSameFactors) {
-  for (const ustring text : {u"kg*m^2/s^2", u"1/s", u"m^(1/2)", u"W/(K*m)", u"N*m", u"1", u"A^3*s/(kg*mol^(2/3))",
-                             u"degC", u"km/h", u"lbf/in^2"}) {
+  for (const ustring text : {u"kg*m^2/s^2", u"1/s", u"m^(1/2)", u"W/(K*m)", u"N*m", u"1",
+                             u"A^3*s/(kg*mol^(2/3))", u"degC", u"km/h", u"lbf/in^2"}) {
     const Expr first(text);
     ASSERT_TRUE(first.isValid()) << krel::ustring_to_utf8_string(text);
     const ustring printed = to_raw_expr(first.info().factors);
@@ -66,8 +66,7 @@ void expect_syntax_error(const ustring& text, std::uint64_t position) {
   EXPECT_FALSE(e.info().affine);
   ASSERT_TRUE(e.problem().has_value());
   EXPECT_EQ(e.problem()->id().key, "SyntaxError") << krel::ustring_to_utf8_string(text);
-  EXPECT_EQ(e.problem()->id().arguments,
-            (std::vector<test_support::Argument>{text, position}))
+  EXPECT_EQ(e.problem()->id().arguments, (std::vector<test_support::Argument>{text, position}))
       << krel::ustring_to_utf8_string(text);
 }
 
@@ -129,7 +128,8 @@ TEST(Expr, UnknownUnitIsInvalid) {
 TEST(Expr, OffsetUnitsStandOnlyAlone) {
   EXPECT_TRUE(Expr(u"degC").isValid());
   EXPECT_TRUE(Expr(u"(degC)^1").isValid());
-  for (const ustring text : {u"degC^2", u"degC*m", u"1/degC", u"W/(m*degC)", u"degF/s", u"degC^(1/2)"}) {
+  for (const ustring text :
+       {u"degC^2", u"degC*m", u"1/degC", u"W/(m*degC)", u"degF/s", u"degC^(1/2)"}) {
     const Expr e(text);
     EXPECT_FALSE(e.isValid()) << krel::ustring_to_utf8_string(text);
     ASSERT_TRUE(e.problem().has_value());
@@ -185,7 +185,9 @@ TEST(Expr, InvalidMessageIsTheCatalogueText) {
   EXPECT_NE(text, u"units2:core:InvalidExpression");
 }
 
-TEST(Expr, ValidExpressionHasNoProblem) { EXPECT_FALSE(Expr(u"m").problem().has_value()); }
+TEST(Expr, ValidExpressionHasNoProblem) {
+  EXPECT_FALSE(Expr(u"m").problem().has_value());
+}
 
 TEST(Expr, CopiesShareTheRecordAcrossThreads) {
   const Expr original(u"kg*m/s^2");

@@ -10,7 +10,9 @@ using units2::core::RawExpr;
 using units2::core::to_raw_expr;
 using units2::core::UnitId;
 
-Factors f(const char* id, Exponent e = Exponent(1)) { return Factors(UnitId(id), e); }
+Factors f(const char* id, Exponent e = Exponent(1)) {
+  return Factors(UnitId(id), e);
+}
 
 TEST(Factors, SingletonIsTheUnitOnlyAtPowerOne) {
   ASSERT_TRUE(f("degC").singleton().has_value());

@@ -46,7 +46,8 @@ TEST(Magnitude, IrrationalRootsStayRootsAndCancelExactly) {
 }
 
 TEST(Magnitude, PowersOfPiAreTracked) {
-  const Magnitude sr_in_deg2 = (Magnitude(ConversionRational(1, 180)) * Magnitude::pi()).pow(Exponent(2));
+  const Magnitude sr_in_deg2 =
+      (Magnitude(ConversionRational(1, 180)) * Magnitude::pi()).pow(Exponent(2));
   EXPECT_EQ(sr_in_deg2.pi_exponent(), Exponent(2));
   EXPECT_EQ(sr_in_deg2.rational_part(), ConversionRational(1, 32400));
   EXPECT_NEAR(Magnitude::pi().to_double(), std::numbers::pi, 1e-15);

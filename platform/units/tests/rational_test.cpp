@@ -77,8 +77,9 @@ TEST(ConversionRational, HoldsNumbersBeyondSixtyFourBits) {
 }
 
 TEST(ConversionRational, DivisionByZeroThrowsNonFinite) {
-  EXPECT_TRUE(test_support::throws_message([] { (void)(ConversionRational(1) / ConversionRational(0)); },
-                                           "units2:core", "NonFiniteConversionValue", {}));
+  EXPECT_TRUE(
+      test_support::throws_message([] { (void)(ConversionRational(1) / ConversionRational(0)); },
+                                   "units2:core", "NonFiniteConversionValue", {}));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "expect_message.h"
+#include "value_checks.h"
 
 namespace {
 
@@ -18,10 +19,10 @@ TEST(CheckUnitId, ReturnsUnitNamesUnchanged) {
 }
 
 TEST(CheckUnitId, RejectsTextThatIsNotAUnitName) {
-  for (const std::string text : {"", "1m", "deg C", "m^2", "kg*m", "-", "d\xc3\xa9g", "m/s", "(m)"}) {
+  for (const std::string text :
+       {"", "1m", "deg C", "m^2", "kg*m", "-", "d\xc3\xa9g", "m/s", "(m)"}) {
     EXPECT_TRUE(test_support::throws_message([&] { (void)CheckUnitId()(text); }, "units2:core",
-                                             "InvalidUnitId",
-                                             {krel::utf8_string_to_ustring(text)}))
+                                             "InvalidUnitId", {krel::utf8_string_to_ustring(text)}))
         << text;
   }
 }
@@ -50,6 +51,19 @@ TEST(UnitId, CopiesShareTheText) {
   const UnitId a("metre");
   const UnitId b = a;
   EXPECT_EQ(a.data(), b.data());
+}
+
+int compare_ids(const UnitId& a, const UnitId& b) {
+  return a == b ? 0 : (a < b ? 1 : 2);
+}
+std::size_t hash_id(const UnitId& id) {
+  return hash_value(id);
+}
+
+TEST(UnitId, EqualityOrderAndHashAgree) {
+  test_support::expect_consistent(UnitId("N"), UnitId("m"), 1, compare_ids, hash_id);
+  test_support::expect_consistent(UnitId("mol"), UnitId("m"), 2, compare_ids, hash_id);
+  test_support::expect_consistent(UnitId("kg"), UnitId(std::string("kg")), 0, compare_ids, hash_id);
 }
 
 TEST(UnitId, OrdersByBytesWithUpperCaseFirst) {

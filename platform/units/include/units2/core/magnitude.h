@@ -49,7 +49,9 @@ class Magnitude {
   /// True when the number is rational (no roots, no power of pi).
   [[nodiscard]] bool is_rational() const noexcept { return roots_.empty() && pi_.isZero(); }
   [[nodiscard]] const ConversionRational& rational_part() const noexcept { return rational_; }
-  [[nodiscard]] const std::map<ConversionRational, Exponent>& roots() const noexcept { return roots_; }
+  [[nodiscard]] const std::map<ConversionRational, Exponent>& roots() const noexcept {
+    return roots_;
+  }
   [[nodiscard]] const Exponent& pi_exponent() const noexcept { return pi_; }
 
   Magnitude& operator*=(const Magnitude& other);

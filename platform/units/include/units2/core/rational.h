@@ -97,7 +97,7 @@ class FiniteRational {
 
   /// The integer `value`.
   template <std::integral I>
-  FiniteRational(I value) : FiniteRational(Int(value), Int(1)) {}  // NOLINT: implicit by design
+  FiniteRational(I value) : FiniteRational(Int(value), Int(1)) {}      // NOLINT: implicit by design
   FiniteRational(const Int& value) : FiniteRational(value, Int(1)) {}  // NOLINT
 
   /// numerator / denominator, reduced; throws NonFinite when the denominator is 0.
@@ -106,13 +106,16 @@ class FiniteRational {
     value_ = rational_type(numerator, denominator);
   }
 
-  explicit FiniteRational(const rational_type& value) : FiniteRational(value.numerator(), value.denominator()) {}
+  explicit FiniteRational(const rational_type& value)
+      : FiniteRational(value.numerator(), value.denominator()) {}
 
   [[nodiscard]] const Int& numerator() const noexcept { return value_.numerator(); }
   [[nodiscard]] const Int& denominator() const noexcept { return value_.denominator(); }
   [[nodiscard]] const rational_type& value() const noexcept { return value_; }
 
-  [[nodiscard]] bool isOne() const noexcept { return numerator() == Int(1) && denominator() == Int(1); }
+  [[nodiscard]] bool isOne() const noexcept {
+    return numerator() == Int(1) && denominator() == Int(1);
+  }
   [[nodiscard]] bool isZero() const noexcept { return numerator() == Int(0); }
   [[nodiscard]] bool isInteger() const noexcept { return denominator() == Int(1); }
   [[nodiscard]] bool isNegative() const noexcept { return numerator() < Int(0); }
@@ -124,23 +127,29 @@ class FiniteRational {
     return q;
   }
 
-  FiniteRational operator-() const { return FiniteRational(Int(-numerator()), denominator(), reduced_tag{}); }
+  FiniteRational operator-() const {
+    return FiniteRational(Int(-numerator()), denominator(), reduced_tag{});
+  }
 
   friend FiniteRational operator+(const FiniteRational& a, const FiniteRational& b) {
     // a/b + c/d over the least common denominator keeps the intermediates small.
     const Int g = boost::integer::gcd(a.denominator(), b.denominator());
-    const Int n = detail::checked_add<NonFinite>(detail::checked_mul<NonFinite>(a.numerator(), Int(b.denominator() / g)),
-                                                 detail::checked_mul<NonFinite>(b.numerator(), Int(a.denominator() / g)));
+    const Int n = detail::checked_add<NonFinite>(
+        detail::checked_mul<NonFinite>(a.numerator(), Int(b.denominator() / g)),
+        detail::checked_mul<NonFinite>(b.numerator(), Int(a.denominator() / g)));
     const Int d = detail::checked_mul<NonFinite>(a.denominator(), Int(b.denominator() / g));
     return FiniteRational(n, d);
   }
-  friend FiniteRational operator-(const FiniteRational& a, const FiniteRational& b) { return a + (-b); }
+  friend FiniteRational operator-(const FiniteRational& a, const FiniteRational& b) {
+    return a + (-b);
+  }
   friend FiniteRational operator*(const FiniteRational& a, const FiniteRational& b) {
     // Cross-cancelling first keeps a product that fits from overflowing on the way.
     const Int g1 = boost::integer::gcd(a.numerator(), b.denominator());
     const Int g2 = boost::integer::gcd(b.numerator(), a.denominator());
     const Int n = detail::checked_mul<NonFinite>(Int(a.numerator() / g1), Int(b.numerator() / g2));
-    const Int d = detail::checked_mul<NonFinite>(Int(a.denominator() / g2), Int(b.denominator() / g1));
+    const Int d =
+        detail::checked_mul<NonFinite>(Int(a.denominator() / g2), Int(b.denominator() / g1));
     return FiniteRational(n, d);
   }
   /// Throws NonFinite when b is zero.
@@ -156,14 +165,17 @@ class FiniteRational {
   /// 1 / value; throws NonFinite for zero.
   [[nodiscard]] FiniteRational reciprocal() const {
     if (isZero()) throw NonFinite{};
-    return numerator() < Int(0) ? FiniteRational(Int(-denominator()), Int(-numerator()), reduced_tag{})
-                                : FiniteRational(denominator(), numerator(), reduced_tag{});
+    return numerator() < Int(0)
+               ? FiniteRational(Int(-denominator()), Int(-numerator()), reduced_tag{})
+               : FiniteRational(denominator(), numerator(), reduced_tag{});
   }
 
   friend bool operator==(const FiniteRational& a, const FiniteRational& b) noexcept {
     return a.numerator() == b.numerator() && a.denominator() == b.denominator();
   }
-  friend bool operator<(const FiniteRational& a, const FiniteRational& b) { return a.value_ < b.value_; }
+  friend bool operator<(const FiniteRational& a, const FiniteRational& b) {
+    return a.value_ < b.value_;
+  }
   friend bool operator>(const FiniteRational& a, const FiniteRational& b) { return b < a; }
   friend bool operator<=(const FiniteRational& a, const FiniteRational& b) { return !(b < a); }
   friend bool operator>=(const FiniteRational& a, const FiniteRational& b) { return !(a < b); }
@@ -174,7 +186,9 @@ class FiniteRational {
     if (!r.isInteger()) out += "/" + detail::integer_text(r.denominator());
     return out;
   }
-  friend std::ostream& operator<<(std::ostream& os, const FiniteRational& r) { return os << to_string(r); }
+  friend std::ostream& operator<<(std::ostream& os, const FiniteRational& r) {
+    return os << to_string(r);
+  }
 
  private:
   struct reduced_tag {};
