@@ -8,6 +8,9 @@ if(ARGS STREQUAL "")
 else()
   string(REPLACE "@@" ";" args "${ARGS}")
 endif()
+# A ";" inside an argument or the pattern arrives as "__UI_SEMI__"; as an argument it
+# is restored below when the command line is built.
+string(REPLACE "__UI_SEMI__" ";" EXPECT "${EXPECT}")
 if(NOT ENV STREQUAL "")
   string(FIND "${ENV}" "=" eq)
   string(SUBSTRING "${ENV}" 0 ${eq} env_name)
@@ -19,7 +22,12 @@ set(input_args "")
 if(NOT STDIN STREQUAL "")
   set(input_args INPUT_FILE "${STDIN}")
 endif()
-execute_process(COMMAND "${TOOL}" ${args} ${input_args}
+set(command "${TOOL}")
+foreach(a IN LISTS args)
+  string(REPLACE "__UI_SEMI__" "\\;" a "${a}")
+  list(APPEND command "${a}")
+endforeach()
+execute_process(COMMAND ${command} ${input_args}
                 RESULT_VARIABLE code OUTPUT_VARIABLE out ERROR_VARIABLE err)
 set(all "${out}${err}")
 if(NOT code STREQUAL "${EXIT}")

@@ -11,6 +11,8 @@
 //   input, and parsing the text form gives an equal path;
 // - relpath against each prefix gives the rest, and against a longer path
 //   nothing;
+// - a path converted to a language container path and back is the same path,
+//   and so is a non-empty one converted to a value path and back;
 // - joining two paths (the input's two halves around a line feed) gives both
 //   sequences of identifiers in order and leaves the operands unchanged; so do
 //   push_back on a copy and operator+.
@@ -23,6 +25,7 @@
 #include "fuzz_support.h"
 #include "krel/ustring.h"
 #include "ui/core/errors.h"
+#include "ui/core/lang_path.h"
 #include "ui/core/node_id.h"
 #include "ui/core/node_path.h"
 
@@ -125,6 +128,20 @@ std::optional<NodePath> check_parse(const ustring& text) {
   out << *path;
   fuzz::require(out.str() == krel::ustring_to_local_encoded_string(path->ustring()),
                 "operator<< writes the text form in the local encoding", text);
+  fuzz::require_no_throw(
+      [&] {
+        const lang::core::ContainerPath container = ui::core::to_container_path(*path);
+        fuzz::require(
+            container.size() == path->size() && ui::core::to_node_path(container) == *path,
+            "a path survives the round trip through a container path", text);
+        if (!path->empty()) {
+          const NodePath1 one(*path);
+          fuzz::require(ui::core::to_node_path1(ui::core::to_value_path(one)) == one &&
+                            ui::core::to_node_path1(container) == one,
+                        "a non-empty path survives the round trip through a value path", text);
+        }
+      },
+      "converting a valid path to a language path and back throws nothing", text);
   return path;
 }
 

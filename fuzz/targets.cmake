@@ -7,7 +7,7 @@
 ui_core_fuzz_target(utf LIBS ui_core::krel)
 ui_core_fuzz_target(tokenize LIBS ui_core::krel)
 ui_core_fuzz_target(node_id LIBS ui_core::ui_core REQUIRES ui/core/node_id.h)
-ui_core_fuzz_target(node_path LIBS ui_core::ui_core REQUIRES ui/core/node_path.h)
+ui_core_fuzz_target(node_path LIBS ui_core::ui_core REQUIRES ui/core/node_path.h ui/core/lang_path.h)
 ui_core_fuzz_target(block_path LIBS ui_core::ui_core REQUIRES ui/core/text_utils.h)
 ui_core_fuzz_target(escape_xml LIBS ui_core::ui_core REQUIRES ui/core/text_utils.h)
 ui_core_fuzz_target(enumerations LIBS ui_core::ui_core REQUIRES ui/core/enumerations.h)

@@ -11,6 +11,8 @@
 #include <locale>
 #include <vector>
 
+#include <unicode/ustring.h>
+
 #include "command.h"
 #include "ui/core/version.h"
 
@@ -44,7 +46,31 @@ Registration::Registration(std::string_view name, Setup setup) {
 }
 
 krel::ustring from_arg(const std::string& arg) {
-  return krel::utf8_string_to_ustring(arg);
+  // Converting would quietly turn bad bytes into U+FFFD and the tool would
+  // answer for a text nobody typed, so such an argument is refused instead.
+  // UTF-16 never needs more code units than UTF-8 has bytes.
+  krel::ustring text(arg.size(), u'\0');
+  UErrorCode status = U_ZERO_ERROR;
+  int32_t length = 0;
+  u_strFromUTF8(reinterpret_cast<UChar*>(text.data()), static_cast<int32_t>(text.size()), &length,
+                arg.data(), static_cast<int32_t>(arg.size()), &status);
+  if (status == U_INVALID_CHAR_FOUND || status == U_ILLEGAL_CHAR_FOUND) {
+    std::string shown;
+    for (unsigned char c : arg) {
+      if (c >= 0x20 && c < 0x7f) {
+        shown += static_cast<char>(c);
+      } else {
+        static constexpr char hex[] = "0123456789abcdef";
+        shown += "\\x";
+        shown += hex[c >> 4];
+        shown += hex[c & 15];
+      }
+    }
+    throw std::runtime_error("the argument '" + shown + "' is not valid UTF-8");
+  }
+  if (U_FAILURE(status)) throw std::runtime_error("the argument cannot be read as UTF-8");
+  text.resize(static_cast<std::size_t>(length));
+  return text;
 }
 
 std::string to_out(const krel::ustring& text) {

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
 #include <unicode/ustring.h>
 #include <unicode/utypes.h>
 
@@ -52,6 +53,17 @@ bool is_utf8_codeset(const std::string& codeset) {
   return codeset == "UTF-8" || codeset == "utf-8" || codeset == "utf8" || codeset == "UTF8";
 }
 
+// Every character the local encoding cannot hold becomes one '?'. ICU's own
+// substitution callback drops default-ignorable characters (such as U+200B)
+// instead, which would make text vanish without a trace.
+void write_question_mark(const void* /*context*/, UConverterFromUnicodeArgs* args,
+                         const UChar* /*units*/, int32_t /*length*/, UChar32 /*code_point*/,
+                         UConverterCallbackReason reason, UErrorCode* status) {
+  if (reason != UCNV_UNASSIGNED && reason != UCNV_ILLEGAL && reason != UCNV_IRREGULAR) return;
+  *status = U_ZERO_ERROR;
+  ucnv_cbFromUWriteBytes(args, "?", 1, 0, status);
+}
+
 // One converter per thread, reopened when the locale's codeset changes.
 UConverter* local_converter(const std::string& codeset) {
   thread_local std::string cached_name;
@@ -65,7 +77,7 @@ UConverter* local_converter(const std::string& codeset) {
       if (U_FAILURE(status)) throw std::runtime_error("krel: no converter for the local encoding");
     }
     status = U_ZERO_ERROR;
-    ucnv_setSubstChars(conv.get(), "?", 1, &status);
+    ucnv_setFromUCallBack(conv.get(), write_question_mark, nullptr, nullptr, nullptr, &status);
     cached = std::move(conv);
     cached_name = codeset;
   }
