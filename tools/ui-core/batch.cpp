@@ -97,13 +97,15 @@ void setup_batch(CLI::App& app, Outcome& outcome) {
     std::size_t refused = 0;
     while (std::getline(in, line)) {
       ++number;
+      const std::size_t first = line.find_first_not_of(" \t\r");
+      if (first == std::string::npos || line[first] == '#') continue;
       const auto words = split_words(line);
       if (!words) {
         std::cerr << *file << ":" << number << ": error: unterminated quote\n";
         outcome.exit_code = exit_usage;
         return;
       }
-      if (words->empty() || (*words)[0].starts_with("#")) continue;
+      if (words->empty()) continue;
       if ((*words)[0] == "batch") {
         std::cerr << *file << ":" << number << ": error: batch files cannot run batch\n";
         outcome.exit_code = exit_usage;
