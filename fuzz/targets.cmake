@@ -1,20 +1,18 @@
 # The fuzz targets, shared by fuzz/CMakeLists.txt (libFuzzer executables) and
 # tests/reliability/CMakeLists.txt (corpus replay in the ordinary test build).
-# Each includer defines ui_core_fuzz_target(name LIBS <targets> REQUIRES
-# <headers>) before including this file; fuzz/<name>.cpp is the target's
-# source and fuzz/corpus/<name>/ its seed corpus. A target whose headers are
-# not in the tree is left out, so a partial checkout still configures.
+# Each includer defines ui_core_fuzz_target(name LIBS <targets>) before
+# including this file; fuzz/<name>.cpp is the target's source and
+# fuzz/corpus/<name>/ its seed corpus.
 ui_core_fuzz_target(utf LIBS ui_core::krel)
 ui_core_fuzz_target(tokenize LIBS ui_core::krel)
-ui_core_fuzz_target(node_id LIBS ui_core::ui_core REQUIRES ui/core/node_id.h)
-ui_core_fuzz_target(node_path LIBS ui_core::ui_core REQUIRES ui/core/node_path.h ui/core/lang_path.h)
-ui_core_fuzz_target(block_path LIBS ui_core::ui_core REQUIRES ui/core/text_utils.h)
-ui_core_fuzz_target(escape_xml LIBS ui_core::ui_core REQUIRES ui/core/text_utils.h)
-ui_core_fuzz_target(enumerations LIBS ui_core::ui_core REQUIRES ui/core/enumerations.h)
-ui_core_fuzz_target(object_path_name LIBS ui_core::ui_core REQUIRES ui/core/object_path_name.h)
-ui_core_fuzz_target(object_path_subscript LIBS ui_core::ui_core
-                    REQUIRES ui/core/object_path_subscript.h)
-ui_core_fuzz_target(object_path_element LIBS ui_core::ui_core REQUIRES ui/core/object_path_element.h)
-ui_core_fuzz_target(object_path LIBS ui_core::ui_core REQUIRES ui/core/object_path.h)
-ui_core_fuzz_target(indexing LIBS ui_core::ui_core REQUIRES ui/core/indexing.h)
-ui_core_fuzz_target(unit_expr LIBS ui_core::ui_core REQUIRES ui/core/unit_conversion.h)
+ui_core_fuzz_target(node_id LIBS ui_core::ui_core)
+ui_core_fuzz_target(node_path LIBS ui_core::ui_core)
+ui_core_fuzz_target(object_path_name LIBS ui_core::ui_core)
+ui_core_fuzz_target(object_path_subscript LIBS ui_core::ui_core)
+ui_core_fuzz_target(object_path_element LIBS ui_core::ui_core)
+ui_core_fuzz_target(object_path LIBS ui_core::ui_core)
+ui_core_fuzz_target(indexing LIBS ui_core::ui_core)
+ui_core_fuzz_target(block_path LIBS ui_core::ui_core)
+ui_core_fuzz_target(escape_xml LIBS ui_core::ui_core)
+ui_core_fuzz_target(enumerations LIBS ui_core::ui_core)
+ui_core_fuzz_target(unit_expr LIBS ui_core::ui_core)

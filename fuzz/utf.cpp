@@ -242,6 +242,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   under_both_locales([&](bool utf8_locale) {
     check_utf8_input(bytes, utf8_locale);
     check_utf16_input(units, utf8_locale);
+    check_utf16_input(krel::utf8_string_to_ustring(bytes), utf8_locale);
   });
   return 0;
 }

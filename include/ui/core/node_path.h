@@ -161,8 +161,10 @@ class NodePath : public NodePathBase {
 
   NodePath() noexcept = default;
 
-  /// A path with `other`'s identifiers, sharing its record.
-  explicit NodePath(const NodePathBase& other) noexcept : NodePathBase(other) {}
+  /// A path with `other`'s identifiers, sharing its record. Implicit: every
+  /// node path, a NodePath1 included, is a valid NodePath, so a NodePath1 can
+  /// be passed or assigned wherever a NodePath is wanted.
+  NodePath(const NodePathBase& other) noexcept : NodePathBase(other) {}
 
   /// The non-throwing twin of the constructor from text: empty exactly when
   /// that constructor throws.

@@ -22,6 +22,7 @@
 #ifndef UI_CORE_OBJECT_PATH_NAME_H
 #define UI_CORE_OBJECT_PATH_NAME_H
 
+#include <cstddef>
 #include <iosfwd>
 #include <optional>
 
@@ -61,6 +62,22 @@ class ObjectPathName {
 
   /// The stored, cleaned text.
   [[nodiscard]] const krel::BasicTableString<char16_t>& text() const noexcept { return text_; }
+
+  // The text read as a string of code units, without reaching for text().
+  [[nodiscard]] const char16_t* data() const noexcept { return text_.data(); }
+  [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
+  [[nodiscard]] const char16_t* begin() const noexcept { return text_.begin(); }
+  [[nodiscard]] const char16_t* end() const noexcept { return text_.end(); }
+
+  /// A copy of the stored text, so that `ustring text = name;` reads it the
+  /// way a subscript's text form is read.
+  operator ustring() const { return ustring(text_); }
+
+  /// Equal when the stored texts hold the same code units; the same answer as
+  /// equality of the elements that hold the names.
+  friend bool operator==(const ObjectPathName& a, const ObjectPathName& b) noexcept {
+    return a.text_.compare_(b.text_) == 0;
+  }
 
  private:
   [[nodiscard]] bool is_valid() const noexcept;

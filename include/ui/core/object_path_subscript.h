@@ -24,6 +24,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <initializer_list>
 #include <iosfwd>
 #include <optional>
 #include <utility>
@@ -90,6 +91,12 @@ class ObjectPathSubscript {
   /// Count = the number of values; throws InvalidObjectPathSubscript when a
   /// value is 0.
   explicit ObjectPathSubscript(const std::vector<unsigned long>& values);
+
+  /// The same from a braced list, ObjectPathSubscript({2, 3}). Without it such
+  /// a list could become either a vector of values or a text, and the call
+  /// would not compile.
+  explicit ObjectPathSubscript(std::initializer_list<unsigned long> values)
+      : ObjectPathSubscript(std::vector<unsigned long>(values)) {}
 
   /// Parses the text form; throws InvalidObjectPathSubscriptString with the
   /// text when it does not parse.

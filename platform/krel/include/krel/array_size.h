@@ -13,6 +13,7 @@
 #ifndef KREL_ARRAY_SIZE_H
 #define KREL_ARRAY_SIZE_H
 
+#include <concepts>
 #include <cstddef>
 #include <initializer_list>
 
@@ -30,7 +31,12 @@ class ArraySize {
   ArraySize() = default;
   ArraySize(const std::size_t* values, std::size_t count) : dims_(values, values + count) {}
   ArraySize(std::initializer_list<std::size_t> values) : dims_(values.begin(), values.end()) {}
-  ArraySize(std::size_t rows, std::size_t cols) : dims_{rows, cols} {}
+  /// Rows by columns. A template over the integer types, so that a literal 0
+  /// for the rows, ArraySize(0, 3), is not taken for the null pointer of the
+  /// constructor from values and a count.
+  template <std::integral Rows, std::integral Cols>
+  ArraySize(Rows rows, Cols cols)
+      : dims_{static_cast<std::size_t>(rows), static_cast<std::size_t>(cols)} {}
 
   /// The number of stored dimensions.
   [[nodiscard]] std::size_t size() const noexcept { return dims_.size(); }

@@ -22,10 +22,20 @@ using ustring = std::basic_string<char16_t>;
 /// UTF-16 to UTF-8. Lossless for valid text; a lone surrogate becomes U+FFFD.
 [[nodiscard]] std::string ustring_to_utf8_string(const ustring& text);
 [[nodiscard]] std::string ustring_to_utf8_string(std::u16string_view text);
+/// A zero-terminated text, such as a literal u"...", which would otherwise
+/// convert equally well to either of the two above.
+[[nodiscard]] inline std::string ustring_to_utf8_string(const char16_t* text) {
+  return ustring_to_utf8_string(std::u16string_view(text));
+}
 
 /// UTF-8 to UTF-16. Lossless for valid text; each invalid sequence becomes U+FFFD.
 [[nodiscard]] ustring utf8_string_to_ustring(const std::string& text);
 [[nodiscard]] ustring utf8_string_to_ustring(std::string_view text);
+/// A zero-terminated text, such as a literal "...", which would otherwise
+/// convert equally well to either of the two above.
+[[nodiscard]] inline ustring utf8_string_to_ustring(const char* text) {
+  return utf8_string_to_ustring(std::string_view(text));
+}
 
 /// UTF-16 to the narrow encoding of the current LC_CTYPE locale (UTF-8 under a
 /// UTF-8 locale, ASCII under "C"). A character the encoding cannot hold, and a
