@@ -5,6 +5,8 @@
 #include <tuple>
 
 #include "cppmicroservices/BundleActivator.h"
+#include "cppmicroservices/Constants.h"
+#include "cppmicroservices/ServiceProperties.h"
 #include "sources.h"
 
 namespace source_bundle {
@@ -37,12 +39,17 @@ class OpenDialogCreator final : public SourceCreatorService<std::tuple<krel::Dra
 class Activator final : public cppmicroservices::BundleActivator {
  public:
   void Start(cppmicroservices::BundleContext context) override {
+    // These creators are the fallback of an installation: any creator that an
+    // application registers with the default ranking (0) outranks them,
+    // whether it was registered before or after this bundle started.
+    const cppmicroservices::ServiceProperties fallback{
+        {cppmicroservices::Constants::SERVICE_RANKING, cppmicroservices::Any(-1000)}};
     location_ = context.RegisterService<SourceCreatorService<krel::Location>>(
-        std::make_shared<LocationCreator>());
+        std::make_shared<LocationCreator>(), fallback);
     block_ = context.RegisterService<SourceCreatorService<krel::DravikId>>(
-        std::make_shared<BlockCreator>());
+        std::make_shared<BlockCreator>(), fallback);
     dialog_ = context.RegisterService<SourceCreatorService<std::tuple<krel::DravikId, bool>>>(
-        std::make_shared<OpenDialogCreator>());
+        std::make_shared<OpenDialogCreator>(), fallback);
   }
 
   // The framework withdraws whatever is still registered when it stops.

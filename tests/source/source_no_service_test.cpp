@@ -47,7 +47,7 @@ TEST(CreateSource, RefusalTextNamesTheKindOfKey) {
   } catch (const krel::MessageException& e) {
     EXPECT_STREQ(e.what(),
                  "kalder:common:ui:core:kernel:source:CannotCreateSource: No service can create a "
-                 "source from a krel::Location.");
+                 "source of the kind krel::Location.");
   }
 }
 

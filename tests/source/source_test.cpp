@@ -193,6 +193,16 @@ TEST(CreateSource, HighestRankingServiceMakesTheSource) {
   EXPECT_EQ(printed(*create_source(plant)), "test source middle");
 }
 
+// The installed creators used to register with ranking 0 and, being first,
+// won every tie against a creator an application registered later.
+TEST(CreateSource, CreatorWithTheDefaultRankingOutranksTheInstalledOne) {
+  ui::core::install_and_start_kalder_create_source();
+  Registered mine(std::make_shared<TestCreator>("mine"), 0);
+  EXPECT_EQ(printed(*create_source(plant)), "test source mine");
+  mine.withdraw();
+  EXPECT_EQ(printed(*create_source(plant)), "model/plant.ssc:12:5");
+}
+
 TEST(CreateSource, EqualRankingsUseTheFirstRegisteredService) {
   Registered first(std::make_shared<TestCreator>("first"), 30);
   Registered second(std::make_shared<TestCreator>("second"), 30);

@@ -16,11 +16,11 @@ ui_core_tool_test(source_location_without_file_makes_no_source
   EXPECT "^\\(the service made no source for this key\\)\n$"
   ARGS source --location :1:1)
 ui_core_tool_test(source_without_bundles_is_refused EXIT 1
-  EXPECT "error: kalder:common:ui:core:kernel:source:CannotCreateSource: No service can create a source from a krel::Location\\.\nnote: .*folders searched: none"
+  EXPECT "error: kalder:common:ui:core:kernel:source:CannotCreateSource: No service can create a source of the kind krel::Location\\.\nnote: .*folders searched: none"
   ENV "KREL_NO_DEFAULT_BUNDLES=1"
   ARGS source --location model/plant.ssc:12:5)
 ui_core_tool_test(source_open_dialog_without_bundles_is_refused EXIT 1
-  EXPECT "CannotCreateSource: No service can create a source from a OpenDialog\\."
+  EXPECT "CannotCreateSource: No service can create a source of the kind OpenDialog\\."
   ENV "KREL_NO_DEFAULT_BUNDLES=1"
   ARGS source --block m/G --open-dialog)
 ui_core_tool_test(source_malformed_location_is_bad_usage EXIT 2
