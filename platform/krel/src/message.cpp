@@ -5,11 +5,11 @@
 namespace krel {
 
 void Message::formattedMessage_(ustring& out) const {
-  out = msgcat::format(id_);
+  out = msgcat::format(*id_);
 }
 
 std::string Message::identifier() const {
-  return id_.catalogue + ":" + id_.key;
+  return id_->catalogue + ":" + id_->key;
 }
 
 MessageException::MessageException(const Message& message) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <locale>
+#include <type_traits>
 
 namespace {
 
@@ -52,6 +53,26 @@ TEST(Message, UnknownIdentifierFormatsAsItself) {
   EXPECT_EQ(out, u"no:such:Thing(7, x)");
   EXPECT_STREQ(krel::MessageException(krel::Message(id)).what(),
                "no:such:Thing: no:such:Thing(7, x)");
+}
+
+}  // namespace
+
+namespace {
+
+// Copying a message used to copy its argument list, so a throw could fail
+// half-way while the exception was being built from the message.
+static_assert(std::is_nothrow_copy_constructible_v<krel::Message>);
+static_assert(std::is_nothrow_copy_constructible_v<krel::MessageException>);
+
+TEST(Message, CopiesShareTheIdentifier) {
+  resource_core::BaseMsgID id;
+  id.catalogue = "c";
+  id.key = "k";
+  id.arguments.emplace_back(std::in_place_index<2>, u"text");
+  const krel::Message a(id);
+  const krel::Message b = a;  // NOLINT(performance-unnecessary-copy-initialization)
+  EXPECT_EQ(&a.id(), &b.id());
+  EXPECT_EQ(b.id(), id);
 }
 
 }  // namespace

@@ -24,13 +24,17 @@
 
 namespace krel {
 
-/// Ownership: a plain value. Threads: like an int.
+/// Ownership: a handle to an immutable identifier; copies share it, so copying a
+/// message (as throwing and catching do) never allocates and never throws.
+/// Threads: copies may be used on any threads at once.
 class Message {
  public:
-  explicit Message(const resource_core::BaseMsgID& id) : id_(id) {}
-  explicit Message(resource_core::BaseMsgID&& id) noexcept : id_(std::move(id)) {}
+  explicit Message(const resource_core::BaseMsgID& id)
+      : id_(std::make_shared<const resource_core::BaseMsgID>(id)) {}
+  explicit Message(resource_core::BaseMsgID&& id)
+      : id_(std::make_shared<const resource_core::BaseMsgID>(std::move(id))) {}
 
-  [[nodiscard]] const resource_core::BaseMsgID& id() const noexcept { return id_; }
+  [[nodiscard]] const resource_core::BaseMsgID& id() const noexcept { return *id_; }
 
   /// Writes the catalogue text for the id, in the process's global locale, with
   /// the arguments filled in.
@@ -40,7 +44,7 @@ class Message {
   [[nodiscard]] std::string identifier() const;
 
  private:
-  resource_core::BaseMsgID id_;
+  std::shared_ptr<const resource_core::BaseMsgID> id_;
 };
 
 /// Ownership: copies share the message and its text; copying never throws.
