@@ -60,8 +60,9 @@ std::optional<std::vector<std::string>> split_words(const std::string& line) {
   return words;
 }
 
-// Runs this executable with `args`; its exit code, or -1 if it could not run.
-int run_self(const std::vector<std::string>& args) {
+// Runs this executable with `args`; its exit code, or -1 if it could not run
+// (then `why` says what stopped it, such as an argument list too long).
+int run_self(const std::vector<std::string>& args, std::string& why) {
   std::vector<char*> argv;
   std::string self = "/proc/self/exe";
   argv.push_back(self.data());
@@ -71,12 +72,21 @@ int run_self(const std::vector<std::string>& args) {
   std::cout.flush();
   std::fflush(stdout);
   pid_t pid = 0;
-  if (posix_spawn(&pid, "/proc/self/exe", nullptr, nullptr, argv.data(), environ) != 0) return -1;
+  if (const int error = posix_spawn(&pid, "/proc/self/exe", nullptr, nullptr, argv.data(), environ);
+      error != 0) {
+    why = std::strerror(error);
+    return -1;
+  }
   int status = 0;
   while (waitpid(pid, &status, 0) < 0) {
-    if (errno != EINTR) return -1;
+    if (errno != EINTR) {
+      why = std::strerror(errno);
+      return -1;
+    }
   }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  if (WIFEXITED(status)) return WEXITSTATUS(status);
+  why = "the command was stopped by a signal";
+  return -1;
 }
 
 void setup_batch(CLI::App& app, Outcome& outcome) {
@@ -112,9 +122,15 @@ void setup_batch(CLI::App& app, Outcome& outcome) {
         return;
       }
       std::cout << "$ ui-core " << line << '\n';
-      const int code = run_self(*words);
+      std::string why;
+      const int code = run_self(*words, why);
       ++ran;
-      if (code == exit_usage || code < 0) {
+      if (code < 0) {
+        std::cerr << *file << ":" << number << ": error: cannot run the command: " << why << '\n';
+        outcome.exit_code = exit_usage;
+        return;
+      }
+      if (code == exit_usage) {
         std::cerr << *file << ":" << number << ": error: bad command line (exit " << code << ")\n";
         outcome.exit_code = exit_usage;
         return;

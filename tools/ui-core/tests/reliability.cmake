@@ -134,7 +134,7 @@ ui_core_checked_tool_test(reliability_escape_xml_of_a_100mb_line
 # A command line of 100 MB cannot be passed on to a process: refused with an
 # error naming the line, after the line was read whole.
 ui_core_checked_tool_test(reliability_batch_line_of_100mb_is_refused
-  EXIT refused INPUTS STDERR "huge_batch.txt:1: error: " ARGS batch ${reliability_dir}/huge_batch.txt)
+  EXIT refused INPUTS STDERR "huge_batch.txt:1: error: cannot run the command: Argument list too long" ARGS batch ${reliability_dir}/huge_batch.txt)
 # Binary data: the tool's own executable. Escaping replaces invalid UTF-8 and
 # keeps every other byte, NUL included, so nothing is lost; as a batch file it
 # is refused at its first line.
