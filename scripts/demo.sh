@@ -5,5 +5,5 @@ set -eu
 cd "$(dirname "$0")/.."
 ./scripts/install-deps.sh
 cmake --preset release >/dev/null
-cmake --build --preset release --target ui-core
+cmake --build --preset release --target ui-core ui_core_source_creators
 exec ./build/release/bin/ui-core batch examples/sample/session.txt
