@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "krel/ustring.h"
+#include "slash_runs_impl.h"
 #include "ui/core/detail/errors.h"
 
 namespace ui::core {
@@ -21,8 +22,7 @@ std::size_t segment_end(std::u16string_view text, std::size_t p) noexcept {
     const std::size_t i = text.find(u'/', q);
     if (i == std::u16string_view::npos) return n;
     if (i + 1 == n) return i;
-    std::size_t j = i;
-    while (j < n && text[j] == u'/') ++j;
+    const std::size_t j = detail::slash_run_end(text, i);
     if (j == n || (j - i) % 2 != 0) return i;
     q = j;
   }

@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "krel/ustring.h"
+#include "slash_runs_impl.h"
 #include "ui/core/detail/errors.h"
 #include "ui/core/node_id.h"
 
@@ -20,8 +21,7 @@ bool meets_name_rule(std::u16string_view text) noexcept {
   // The first unit is not "/", so the search for runs starts at position 1.
   std::size_t i = text.find(u'/', 1);
   while (i != std::u16string_view::npos) {
-    std::size_t j = i;
-    while (j < n && text[j] == u'/') ++j;
+    const std::size_t j = detail::slash_run_end(text, i);
     if ((j - i) % 2 != 0) return false;
     i = text.find(u'/', j);
   }
