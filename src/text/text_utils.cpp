@@ -1,32 +1,35 @@
 #include "ui/core/text_utils.h"
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <string_view>
 #include <unordered_map>
+
+#include "xml_scan_impl.h"
 
 namespace ui::core {
 namespace {
 
 constexpr char16_t solidus = u'/';
 
-// Eight code units compared at once (one SSE2 register on x86-64; the
-// compilers map it to whatever the target has).
-using Lanes = std::uint16_t __attribute__((vector_size(16)));
-constexpr std::size_t lane_count = sizeof(Lanes) / sizeof(std::uint16_t);
+// What escape_xml writes for one ASCII code unit: its replacement, or the
+// unit itself. Padded to eight units so that it is copied with one fixed-size
+// copy and the output pointer then advances by `length`.
+struct XmlOutput {
+  char16_t units[8];
+  std::size_t length;
+};
 
-// The replacements of escape_xml. The hash table holds them, and every
-// replacement written is looked up in it. The scan that finds the next code
-// unit to replace uses two quicker views of the table's keys, filled from its
-// entries so they can never disagree with it: each key repeated in every lane,
-// to test eight code units against all keys at once, and a flag per ASCII code
-// unit for the few code units looked at one by one. Every key is ASCII.
+// The replacements of escape_xml, built once from the table of five entries.
+// The hash table is the definition; `by_unit` is the view of it by ASCII code
+// unit that the loop reads.
 struct XmlEscapes {
   std::unordered_map<char16_t, ustring> replacements;
-  std::array<bool, 128> flagged{};
-  Lanes key_lanes[5];
+  std::array<XmlOutput, 128> by_unit{};
 };
 
 const XmlEscapes& xml_escapes() {
@@ -39,46 +42,53 @@ const XmlEscapes& xml_escapes() {
     e.replacements.emplace(u'"', u"&quot;");
     e.replacements.emplace(u'>', u"&gt;");
     e.replacements.emplace(u'<', u"&lt;");
-    assert(e.replacements.size() == std::size(e.key_lanes));
-    std::size_t k = 0;
-    for (const auto& entry : e.replacements) {
-      const char16_t unit = entry.first;
-      assert(unit < e.flagged.size() && "the scan only knows ASCII keys");
-      e.flagged[unit] = true;
-      for (std::size_t lane = 0; lane < lane_count; ++lane) e.key_lanes[k][lane] = unit;
-      ++k;
+    for (std::size_t unit = 0; unit < e.by_unit.size(); ++unit) {
+      e.by_unit[unit] = XmlOutput{{static_cast<char16_t>(unit)}, 1};
+    }
+    for (const auto& [unit, replacement] : e.replacements) {
+      assert(unit < e.by_unit.size() && detail::is_xml_special(unit) &&
+             replacement.size() <= std::size(XmlOutput{}.units) &&
+             "the scans know exactly the table's keys");
+      XmlOutput& out = e.by_unit[unit];
+      std::copy(replacement.begin(), replacement.end(), out.units);
+      out.length = replacement.size();
     }
     return e;
   }();
   return escapes;
 }
 
-// True when code unit `c` has a replacement.
-bool is_flagged(char16_t c, const XmlEscapes& escapes) noexcept {
-  return c < escapes.flagged.size() && escapes.flagged[c];
-}
+// Writes the `count` code units at p (at most one block) to `out` with the
+// special ones, at the set bits of `mask`, replaced, and returns the end of
+// what it wrote; `out` needs room for xml_block_room code units. Every copy
+// has one fixed size (xml_block code units) whatever the distance between two
+// specials, and the output pointer then advances by the length that counts;
+// so the copies may read up to two blocks from p, which must be readable
+// (`readable` code units from p; with fewer, the block is first copied into a
+// buffer of two blocks).
+constexpr std::size_t xml_block_room = detail::xml_block * 7;
 
-// The first code unit in [p, end) that has a replacement, or `end`. Blocks of
-// eight code units without any key are skipped whole; the block holding a
-// key, and the last few code units, are looked at one by one.
-const char16_t* find_escaped(const char16_t* p, const char16_t* end,
-                             const XmlEscapes& escapes) noexcept {
-  while (static_cast<std::size_t>(end - p) >= lane_count) {
-    Lanes units;
-    std::memcpy(&units, p, sizeof units);
-    auto hits = units == escapes.key_lanes[0];
-    for (std::size_t k = 1; k < std::size(escapes.key_lanes); ++k) {
-      hits |= units == escapes.key_lanes[k];
-    }
-    std::uint64_t halves[2];
-    std::memcpy(halves, &hits, sizeof halves);
-    if ((halves[0] | halves[1]) != 0) break;
-    p += lane_count;
+char16_t* write_block(char16_t* out, const char16_t* p, std::size_t count, std::size_t readable,
+                      unsigned mask, const XmlEscapes& escapes) noexcept {
+  constexpr std::size_t n = detail::xml_block;
+  char16_t padded[2 * n] = {};
+  const char16_t* block = p;
+  if (readable < 2 * n) {
+    std::memcpy(padded, p, count * sizeof(char16_t));
+    block = padded;
   }
-  for (; p != end; ++p) {
-    if (is_flagged(*p, escapes)) break;
+  const char16_t* from = block;
+  for (; mask != 0; mask &= mask - 1) {
+    const char16_t* const hit = block + __builtin_ctz(mask);
+    std::memcpy(out, from, n * sizeof(char16_t));
+    out += hit - from;
+    const XmlOutput& o = escapes.by_unit[*hit];
+    std::memcpy(out, o.units, sizeof o.units);
+    out += o.length;
+    from = hit + 1;
   }
-  return p;
+  std::memcpy(out, from, n * sizeof(char16_t));
+  return out + ((block + count) - from);
 }
 
 }  // namespace
@@ -114,17 +124,47 @@ ustring block_path_without_model(const ustring& path) {
 
 ustring escape_xml(const ustring& text) {
   const XmlEscapes& escapes = xml_escapes();
+  const char16_t* p = text.data();
+  const char16_t* const end = p + text.size();
   ustring result;
-  const char16_t* run = text.data();
-  const char16_t* const end = run + text.size();
-  // Copy each stretch of ordinary code units in one append, then the
-  // replacement of the code unit that ended it.
-  for (;;) {
-    const char16_t* const hit = find_escaped(run, end, escapes);
-    result.append(run, static_cast<std::size_t>(hit - run));
-    if (hit == end) break;
-    result += escapes.replacements.find(*hit)->second;
-    run = hit + 1;
+  // Room for the text and a few replacements: prose fits without growing,
+  // and text dense with specials grows geometrically like any string.
+  result.reserve(text.size() + text.size() / 16);
+  // Blocks without a special code unit join the current run, which is copied
+  // in one append. Blocks with specials are written to a buffer on the stack,
+  // which collects consecutive such blocks (text dense with specials) and is
+  // appended when it is full or a block without specials follows.
+  char16_t staged[64 * detail::xml_block];
+  char16_t* out = staged;
+  auto flush_staged = [&] {
+    result.append(staged, static_cast<std::size_t>(out - staged));
+    out = staged;
+  };
+  const char16_t* run = p;
+  for (; static_cast<std::size_t>(end - p) >= detail::xml_block; p += detail::xml_block) {
+    const unsigned mask = detail::xml_special_mask(p);
+    if (mask == 0) {
+      if (out != staged) flush_staged();
+      continue;
+    }
+    if (run != p) {
+      result.append(run, static_cast<std::size_t>(p - run));
+    } else if (static_cast<std::size_t>(std::end(staged) - out) < xml_block_room) {
+      flush_staged();
+    }
+    out = write_block(out, p, detail::xml_block, static_cast<std::size_t>(end - p), mask, escapes);
+    run = p + detail::xml_block;
+  }
+  flush_staged();
+  result.append(run, static_cast<std::size_t>(p - run));
+  if (p != end) {
+    // The last units, fewer than a block, padded with code units that are
+    // never special.
+    const auto count = static_cast<std::size_t>(end - p);
+    char16_t tail[detail::xml_block] = {};
+    std::memcpy(tail, p, count * sizeof(char16_t));
+    out = write_block(out, tail, count, count, detail::xml_special_mask(tail), escapes);
+    flush_staged();
   }
   return result;
 }
