@@ -1,7 +1,8 @@
 // Scans over UTF-16 code units (private to the library's sources).
 //
 // The kernel's hot loops look for a few ASCII code units in long runs of
-// ordinary text: "/" in paths, the five XML specials in text to escape. On
+// ordinary text: "/" in paths, white space to clean in names, the five XML
+// specials in text to escape. On
 // x86-64 (where SSE2 is always present) they compare 8 or 16 code units at a
 // time; every other target gets the portable loops. Both versions are always
 // compiled where SSE2 exists, and the tests run both, so the portable path is
@@ -54,6 +55,59 @@ namespace ui::core::detail {
 #else
   return find_unit_portable(p, end, unit);
 #endif
+}
+
+/// True for the POSIX white-space code units: space, \t, \n, \v, \f, \r.
+[[nodiscard]] constexpr bool is_space_unit(char16_t c) noexcept {
+  return c == u' ' || (c >= u'\t' && c <= u'\r');
+}
+
+/// The first white-space code unit in [p, end), or `end`. Portable.
+[[nodiscard]] inline const char16_t* find_space_portable(const char16_t* p,
+                                                         const char16_t* end) noexcept {
+  for (; p != end; ++p) {
+    if (is_space_unit(*p)) return p;
+  }
+  return end;
+}
+
+#if UI_CORE_HAVE_SSE2
+/// The same, sixteen code units per step: narrowed to bytes with unsigned
+/// saturation (code units above 0xFF become 0xFF or 0x00, neither of them
+/// white space), then b == 0x20, or b - 9 (wrapping) at most 4.
+[[nodiscard]] inline const char16_t* find_space_sse2(const char16_t* p,
+                                                     const char16_t* end) noexcept {
+  while (end - p >= 16) {
+    const __m128i lo = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i hi = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8));
+    const __m128i bytes = _mm_packus_epi16(lo, hi);
+    const __m128i shifted = _mm_sub_epi8(bytes, _mm_set1_epi8(9));
+    const __m128i hits =
+        _mm_or_si128(_mm_cmpeq_epi8(_mm_min_epu8(shifted, _mm_set1_epi8(4)), shifted),
+                     _mm_cmpeq_epi8(bytes, _mm_set1_epi8(0x20)));
+    const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(hits));
+    if (mask != 0) return p + __builtin_ctz(mask);
+    p += 16;
+  }
+  return find_space_portable(p, end);
+}
+#endif
+
+/// The first white-space code unit in [p, end), or `end`: the fastest version
+/// the target has.
+[[nodiscard]] inline const char16_t* find_space(const char16_t* p, const char16_t* end) noexcept {
+#if UI_CORE_HAVE_SSE2
+  return find_space_sse2(p, end);
+#else
+  return find_space_portable(p, end);
+#endif
+}
+
+/// Replaces each white-space code unit of [p, end) by a space, in place.
+inline void clean_spaces(char16_t* p, char16_t* end) noexcept {
+  for (p = const_cast<char16_t*>(find_space(p, end)); p != end; ++p) {
+    if (is_space_unit(*p)) *p = u' ';
+  }
 }
 
 }  // namespace ui::core::detail

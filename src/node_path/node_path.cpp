@@ -5,7 +5,10 @@
 #include <utility>
 #include <variant>
 
+#include <boost/container/small_vector.hpp>
+
 #include "krel/ustring.h"
+#include "node_sep_impl.h"
 #include "ui/core/detail/errors.h"
 
 namespace ui::core {
@@ -14,32 +17,48 @@ namespace {
 using Parsed = std::variant<std::vector<NodeId>, detail::MsgId>;
 
 // The one parser behind both faces: the identifiers of a path text, or the
-// message that refuses it. Nothing is built unless every piece is valid.
+// message that refuses it. The pieces are found and checked first, so nothing
+// is built for a text that is refused; then the records of all identifiers
+// are allocated in one block and the sequence is reserved once.
 Parsed parse_node_path(const ustring& text) {
   if (!is_node_path(text)) return detail::invalid_node_path(text);
   std::vector<NodeId> ids;
   if (text.empty()) return ids;
 
-  // One piece more than there are unescaped separators; counting first lets
-  // the sequence be allocated once.
-  std::size_t pieces = 1;
-  for (auto it = find_node_sep(text); it != text.cend(); it = find_node_sep(it + 1, text.cend())) {
-    ++pieces;
-  }
-  ids.reserve(pieces);
-
-  // is_node_path has ruled out a trailing single "/", so the last piece runs to
-  // the end of the text; a separator found there would end the loop without an
-  // empty piece, and the piece before it (ending in "/") is refused anyway.
-  auto first = text.cbegin();
-  while (first != text.cend()) {
-    const auto sep = find_node_sep(first, text.cend());
-    const ustring piece(first, sep);
-    auto id = NodeId::make(piece);
-    if (!id) return detail::invalid_node_id(piece);
-    ids.push_back(std::move(*id));
-    if (sep == text.cend()) break;
+  const char16_t* const begin = text.data();
+  const char16_t* const end = begin + text.size();
+  // The end of each piece. is_node_path has ruled out a trailing single "/",
+  // so the last piece runs to the end of the text; a separator found there
+  // ends the pieces without an empty one, and the piece before it (ending in
+  // "/") is refused anyway.
+  boost::container::small_vector<const char16_t*, 16> ends;
+  for (const char16_t* first = begin;;) {
+    const char16_t* const sep = detail::find_node_sep(first, end);
+    ends.push_back(sep);
+    if (sep == end || sep + 1 == end) break;
     first = sep + 1;
+  }
+
+  // A piece holds no unescaped separator (it ends at the first one), so it is
+  // an identifier exactly when it is not empty and neither starts nor ends
+  // with "/".
+  const char16_t* first = begin;
+  for (const char16_t* last : ends) {
+    if (first == last || is_node_sep(*first) || is_node_sep(last[-1])) {
+      return detail::invalid_node_id(ustring(first, last));
+    }
+    first = last + 1;
+  }
+
+  // Most path texts hold no white space at all; one look at the whole text
+  // spares the identifiers the cleaning.
+  const bool may_hold_space = detail::find_space(begin, end) != end;
+  detail::NodeIdBatch batch(ends.size());
+  ids.reserve(ends.size());
+  first = begin;
+  for (const char16_t* last : ends) {
+    batch.add_to(ids, first, last, may_hold_space);
+    first = last + 1;
   }
   return ids;
 }

@@ -113,3 +113,41 @@ TEST(UnitScan, EveryVersionFindsTheSlashAtEveryPosition) {
 }
 
 }  // namespace
+
+namespace {
+
+std::vector<Finder> space_finders() {
+  std::vector<Finder> finders{&detail::find_space_portable};
+#if UI_CORE_HAVE_SSE2
+  finders.push_back(&detail::find_space_sse2);
+#endif
+  return finders;
+}
+
+// Every code unit at every position of a text longer than two blocks is found
+// by every version exactly when it is POSIX white space.
+TEST(SpaceScan, EveryVersionFindsEveryCodeUnitAtEveryPosition) {
+  for (Finder find : space_finders()) {
+    for (std::uint32_t u = 0; u <= 0xFFFF; ++u) {
+      const auto c = static_cast<char16_t>(u);
+      const bool space =
+          c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r';
+      const std::size_t k = u % 37;
+      ustring text(37, u'a');
+      text[k] = c;
+      const char16_t* hit = find(text.data(), text.data() + text.size());
+      ASSERT_EQ(static_cast<std::size_t>(hit - text.data()), space ? k : text.size()) << u;
+    }
+  }
+}
+
+TEST(SpaceScan, CleanSpacesReplacesEachWhiteSpaceUnitByOneSpace) {
+  ustring text = u"a\tb\nc\vd\fe\rf g\u00a0h\u2028i\u0009\u000d";
+  text += ustring(40, u'x') + u"\t";
+  ustring expected = u"a b c d e f g\u00a0h\u2028i  ";
+  expected += ustring(40, u'x') + u" ";
+  detail::clean_spaces(text.data(), text.data() + text.size());
+  EXPECT_EQ(text, expected);
+}
+
+}  // namespace

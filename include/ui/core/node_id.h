@@ -15,10 +15,13 @@
 #ifndef UI_CORE_NODE_ID_H
 #define UI_CORE_NODE_ID_H
 
+#include <cstddef>
 #include <iosfwd>
+#include <new>
 #include <optional>
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "krel/cow.h"
 #include "ui/core/errors.h"
@@ -63,7 +66,34 @@ namespace ui::core {
 /// is built.
 [[nodiscard]] bool is_node_path(const ustring& text) noexcept;
 
+class NodeId;
+
 namespace detail {
+
+struct NodeIdBlock;
+
+/// Builds the identifiers of one parsed path with their records in one
+/// allocation, for texts already known to be identifiers. Internal to the
+/// node path parser.
+class NodeIdBatch {
+ public:
+  /// Room for `capacity` identifiers.
+  explicit NodeIdBatch(std::size_t capacity);
+  ~NodeIdBatch();
+  NodeIdBatch(const NodeIdBatch&) = delete;
+  NodeIdBatch& operator=(const NodeIdBatch&) = delete;
+
+  /// Appends to `ids`, which must have the room reserved, the identifier of
+  /// the text [first, last), which must satisfy is_node_id; its white space
+  /// is cleaned here unless `may_hold_space` is false. At most `capacity`
+  /// calls.
+  void add_to(std::vector<NodeId>& ids, const char16_t* first, const char16_t* last,
+              bool may_hold_space);
+
+ private:
+  NodeIdBlock* block_;
+  std::size_t used_ = 0;
+};
 
 /// The check behind NodeId: the text to store (`clean_white_space` of a valid
 /// identifier text), or ErrorId::InvalidNodeId when `is_node_id` is false.
@@ -85,11 +115,21 @@ struct NodeIdCheck {
 /// Threads: copies may be used and destroyed on any threads at once; a single
 /// object is like an int (many readers, or one writer).
 class NodeId {
+  struct Rep;
+
  public:
   /// Checks the text and stores it with white space cleaned. Throws
   /// InvalidNodeId carrying `text` as given (before cleaning) when
   /// `is_node_id(text)` is false.
   explicit NodeId(const ui::core::ustring& text);
+
+  /// Only the node path parser can make one of these, and with it a NodeId
+  /// that takes over a record it has built.
+  class BatchKey {
+    friend class detail::NodeIdBatch;
+    BatchKey() {}
+  };
+  NodeId(BatchKey, Rep* adopted) noexcept : rep_(adopted) {}
 
   /// The non-throwing twin: accepts exactly the texts the constructor accepts.
   [[nodiscard]] static std::optional<NodeId> make(const ui::core::ustring& text);
@@ -114,11 +154,25 @@ class NodeId {
   }
 
  private:
+  friend class detail::NodeIdBatch;
+  friend struct detail::NodeIdBlock;
+
   struct Rep {
     krel::RefCount<> count;
     ui::core::ustring text;
+    /// The block this record shares with the other identifiers of one parsed
+    /// path, or null for a record allocated on its own.
+    detail::NodeIdBlock* block = nullptr;
+
     explicit Rep(ui::core::ustring&& t) noexcept : text(std::move(t)) {}
-    Rep(const Rep&) = default;
+    /// A copy is always a record of its own.
+    Rep(const Rep& other) : text(other.text) {}
+
+    /// Destroys the record and frees its storage: its own allocation, or its
+    /// share of a block.
+    static void operator delete(Rep* rep, std::destroying_delete_t) noexcept;
+    /// Frees the storage of a record whose construction failed.
+    static void operator delete(void* p) noexcept { ::operator delete(p); }
   };
 
   struct Checked {};  // selects the constructor for text that already passed the check

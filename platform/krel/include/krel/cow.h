@@ -54,6 +54,9 @@ class RefCount {
   /// freed; a handle that refers to it always sees it shared and detaches
   /// before writing.
   constexpr explicit RefCount(SharedEmptyTag) noexcept : count_(1) {}
+  /// A record that starts with `initial` references, for records handed out
+  /// in bulk (the counts of many handles made at once).
+  constexpr explicit RefCount(std::size_t initial) noexcept : count_(initial) {}
   RefCount(const RefCount&) noexcept : count_(1) {}
   RefCount& operator=(const RefCount&) = delete;
 
