@@ -186,6 +186,19 @@ void NodePath_scaling(benchmark::State& state) {
 }
 BENCHMARK(NodePath_scaling)->RangeMultiplier(10)->Range(10, 100000);
 
+// The same texts split by hand, to tell the cost of the memory a long path
+// needs (which any representation pays) from the parser's own.
+void NodePath_hand_split_scaling(benchmark::State& state) {
+  const std::u16string text = bench::long_node_path_text(static_cast<std::size_t>(state.range(0)));
+  for (auto _ : state) {
+    auto ids = hand_split(text);
+    benchmark::DoNotOptimize(ids.size());
+  }
+  state.SetBytesProcessed(
+      static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
+}
+BENCHMARK(NodePath_hand_split_scaling)->RangeMultiplier(10)->Range(10, 100000);
+
 void ObjectPath_scaling(benchmark::State& state) {
   const std::u16string text =
       bench::long_object_path_text(static_cast<std::size_t>(state.range(0)));

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "krel/ustring.h"
+#include "node_id_batch_impl.h"
 #include "node_sep_impl.h"
 #include "ui/core/detail/errors.h"
 
@@ -89,35 +90,6 @@ std::optional<NodeId> NodeId::make(const ui::core::ustring& text) {
   return NodeId(Checked{}, std::move(*stored));
 }
 
-// The records of the identifiers of one parsed path, allocated together: a
-// header with the count of live records (and of the batch that builds them),
-// then the records. The last release frees the whole block.
-struct detail::NodeIdBlock {
-  krel::RefCount<> live;
-  std::size_t capacity;
-
-  NodeId::Rep* records() noexcept {
-    return reinterpret_cast<NodeId::Rep*>(reinterpret_cast<unsigned char*>(this) + records_offset);
-  }
-  static constexpr std::size_t records_offset =
-      (sizeof(krel::RefCount<>) + sizeof(std::size_t) + alignof(NodeId::Rep) - 1) /
-      alignof(NodeId::Rep) * alignof(NodeId::Rep);
-
-  static NodeIdBlock* allocate(std::size_t capacity) {
-    if (capacity > (static_cast<std::size_t>(-1) - records_offset) / sizeof(NodeId::Rep)) {
-      throw std::bad_array_new_length();
-    }
-    void* raw = ::operator new(records_offset + capacity * sizeof(NodeId::Rep));
-    return ::new (raw) NodeIdBlock{krel::RefCount<>{capacity + 1}, capacity};
-  }
-  void release() noexcept {
-    if (live.decrement()) {
-      this->~NodeIdBlock();
-      ::operator delete(static_cast<void*>(this));
-    }
-  }
-};
-
 void NodeId::Rep::operator delete(Rep* rep, std::destroying_delete_t) noexcept {
   detail::NodeIdBlock* const block = rep->block;
   rep->~Rep();
@@ -127,35 +99,6 @@ void NodeId::Rep::operator delete(Rep* rep, std::destroying_delete_t) noexcept {
     block->release();
   }
 }
-
-namespace detail {
-
-// The block starts with a reference for each record it will hold and one for
-// the batch; the batch gives back its own and those of the records it did not
-// build (when building one failed).
-NodeIdBatch::NodeIdBatch(std::size_t capacity) : block_(NodeIdBlock::allocate(capacity)) {}
-
-NodeIdBatch::~NodeIdBatch() {
-  for (std::size_t unused = block_->capacity - used_; unused != 0; --unused) block_->release();
-  block_->release();
-}
-
-void NodeIdBatch::add_to(std::vector<NodeId>& ids, const char16_t* first, const char16_t* last,
-                         bool may_hold_space) {
-  assert(used_ < block_->capacity && "more identifiers than the batch was made for");
-  assert(ids.size() < ids.capacity() && "room for the identifier is reserved");
-  NodeId::Rep* const rep = block_->records() + used_;
-  // The text is copied once and cleaned in place (unless the caller knows it
-  // holds no white space); if the copy fails, nothing has been constructed.
-  ::new (static_cast<void*>(rep)) NodeId::Rep(ui::core::ustring(first, last));
-  if (may_hold_space) detail::clean_spaces(rep->text.data(), rep->text.data() + rep->text.size());
-  rep->block = block_;
-  ++used_;
-  ids.emplace_back(NodeId::BatchKey{}, rep);  // cannot throw: the room is reserved
-  assert(ids.back().invariant_() && "a batch builds only checked identifiers");
-}
-
-}  // namespace detail
 
 bool NodeId::invariant_() const noexcept {
   return is_node_id(rep_.read().text);

@@ -8,68 +8,121 @@
 #include <boost/container/small_vector.hpp>
 
 #include "krel/ustring.h"
+#include "node_id_batch_impl.h"
 #include "node_sep_impl.h"
 #include "ui/core/detail/errors.h"
 
 namespace ui::core {
-namespace {
 
-using Parsed = std::variant<std::vector<NodeId>, detail::MsgId>;
+// The one parser behind every face: the record of a path text, or the message
+// that refuses it. The pieces are found and checked first, so nothing is built
+// for a text that is refused; then the path's record and the records of all
+// its identifiers are built in one block, and the sequence is reserved once.
+struct detail::NodePathParser {
+  using Rep = NodePathBase::Rep;
+  // A new record with its one reference, null for the empty path, or the
+  // message. Records travel as pointers until a handle adopts them: moving a
+  // handle would take and drop a reference to the shared empty record.
+  using Parsed = std::variant<Rep*, MsgId>;
 
-// The one parser behind both faces: the identifiers of a path text, or the
-// message that refuses it. The pieces are found and checked first, so nothing
-// is built for a text that is refused; then the records of all identifiers
-// are allocated in one block and the sequence is reserved once.
-Parsed parse_node_path(const ustring& text) {
-  if (!is_node_path(text)) return detail::invalid_node_path(text);
-  std::vector<NodeId> ids;
-  if (text.empty()) return ids;
+  static Parsed parse(const ustring& text) {
+    if (!is_node_path(text)) return invalid_node_path(text);
+    if (text.empty()) return static_cast<Rep*>(nullptr);
 
-  const char16_t* const begin = text.data();
-  const char16_t* const end = begin + text.size();
-  // The end of each piece. is_node_path has ruled out a trailing single "/",
-  // so the last piece runs to the end of the text; a separator found there
-  // ends the pieces without an empty one, and the piece before it (ending in
-  // "/") is refused anyway.
-  boost::container::small_vector<const char16_t*, 16> ends;
-  for (const char16_t* first = begin;;) {
-    const char16_t* const sep = detail::find_node_sep(first, end);
-    ends.push_back(sep);
-    if (sep == end || sep + 1 == end) break;
-    first = sep + 1;
-  }
-
-  // A piece holds no unescaped separator (it ends at the first one), so it is
-  // an identifier exactly when it is not empty and neither starts nor ends
-  // with "/".
-  const char16_t* first = begin;
-  for (const char16_t* last : ends) {
-    if (first == last || is_node_sep(*first) || is_node_sep(last[-1])) {
-      return detail::invalid_node_id(ustring(first, last));
+    const char16_t* const begin = text.data();
+    const char16_t* const end = begin + text.size();
+    // The end of each piece. is_node_path has ruled out a trailing single
+    // "/", so the last piece runs to the end of the text; a separator found
+    // there ends the pieces without an empty one, and the piece before it
+    // (ending in "/") is refused anyway.
+    boost::container::small_vector<const char16_t*, 16> ends;
+    for (const char16_t* first = begin;;) {
+      const char16_t* const sep = find_node_sep(first, end);
+      ends.push_back(sep);
+      if (sep == end || sep + 1 == end) break;
+      first = sep + 1;
     }
-    first = last + 1;
+
+    // A piece holds no unescaped separator (it ends at the first one), so it
+    // is an identifier exactly when it is not empty and neither starts nor
+    // ends with "/".
+    const char16_t* first = begin;
+    for (const char16_t* last : ends) {
+      if (first == last || is_node_sep(*first) || is_node_sep(last[-1])) {
+        return invalid_node_id(ustring(first, last));
+      }
+      first = last + 1;
+    }
+
+    // Most path texts hold no white space at all; one look at the whole text
+    // spares the identifiers the cleaning.
+    const bool may_hold_space = find_space(begin, end) != end;
+    NodeIdBatch batch(ends.size(), sizeof(Rep));
+    std::vector<NodeId> ids;
+    ids.reserve(ends.size());
+    first = begin;
+    for (const char16_t* last : ends) {
+      batch.add_to(ids, first, last, may_hold_space);
+      first = last + 1;
+    }
+    // Nothing below throws: the path's record takes the identifiers over in
+    // the room kept for it at the front of the block.
+    Rep* const rep = ::new (batch.front()) Rep(std::move(ids));
+    rep->block = batch.block();
+    batch.take_front_reference();
+    return rep;
   }
 
-  // Most path texts hold no white space at all; one look at the whole text
-  // spares the identifiers the cleaning.
-  const bool may_hold_space = detail::find_space(begin, end) != end;
-  detail::NodeIdBatch batch(ends.size());
-  ids.reserve(ends.size());
-  first = begin;
-  for (const char16_t* last : ends) {
-    batch.add_to(ids, first, last, may_hold_space);
-    first = last + 1;
+  static krel::Cow<Rep> handle(Rep* rep) noexcept {
+    return rep == nullptr ? krel::Cow<Rep>() : krel::Cow<Rep>(rep);
   }
-  return ids;
-}
 
-std::vector<NodeId> ids_or_throw(const ustring& text) {
-  Parsed parsed = parse_node_path(text);
-  if (auto* ids = std::get_if<std::vector<NodeId>>(&parsed)) return std::move(*ids);
-  detail::throw_message(std::move(std::get<detail::MsgId>(parsed)));
-}
+  static krel::Cow<Rep> record_or_throw(const ustring& text) {
+    Parsed parsed = parse(text);
+    if (Rep** rep = std::get_if<Rep*>(&parsed)) return handle(*rep);
+    throw_message(std::move(std::get<MsgId>(parsed)));
+  }
 
-}  // namespace
+  // The path of a text, or nothing when the text is refused.
+  static std::optional<NodePath> make(const ustring& text) {
+    Parsed parsed = parse(text);
+    Rep** rep = std::get_if<Rep*>(&parsed);
+    if (rep == nullptr) return std::nullopt;
+    std::optional<NodePath> path(std::in_place);
+    krel::Cow<Rep> record = handle(*rep);
+    static_cast<NodePathBase&>(*path).rep_.swap(record);
+    return path;
+  }
+
+
+  // Destroys a path record that lives in a block. The identifiers whose
+  // records are in the same block and held by this path alone are destroyed
+  // here, and their references to the block are given back together with
+  // the path's own in one step; the others are released as usual.
+  static void destroy_in_block(Rep* rep) noexcept {
+    NodeIdBlock* const block = rep->block;
+    std::size_t references = 1;
+    for (NodeId& id : rep->ids) {
+      NodeId::Rep* const record = id.rep_.get();
+      if (record->block == block && record->count.is_one()) {
+        (void)id.rep_.release_record();
+        record->~Rep();
+        ++references;
+      }
+    }
+    rep->~Rep();
+    block->release(references);
+  }
+};
+
+void NodePathBase::Rep::operator delete(Rep* rep, std::destroying_delete_t) noexcept {
+  if (rep->block != nullptr) {
+    detail::NodePathParser::destroy_in_block(rep);
+    return;
+  }
+  rep->~Rep();
+  ::operator delete(static_cast<void*>(rep));
+}
 
 NodePathBase::Rep& NodePathBase::Rep::shared_empty() noexcept {
   // A union member is not destroyed with the union, so the record outlives
@@ -89,7 +142,8 @@ krel::Cow<NodePathBase::Rep> NodePathBase::adopt_(std::vector<NodeId>&& ids) {
   return krel::Cow<Rep>::make(std::move(ids));
 }
 
-NodePathBase::NodePathBase(const ui::core::ustring& text) : rep_(adopt_(ids_or_throw(text))) {}
+NodePathBase::NodePathBase(const ui::core::ustring& text)
+    : rep_(detail::NodePathParser::record_or_throw(text)) {}
 
 NodePathBase::NodePathBase(const std::vector<NodeId>& ids)
     : rep_(adopt_(std::vector<NodeId>(ids))) {}
@@ -140,10 +194,7 @@ std::ostream& operator<<(std::ostream& os, const NodePathBase& path) {
 }
 
 std::optional<NodePath> NodePath::make(const ui::core::ustring& text) {
-  Parsed parsed = parse_node_path(text);
-  auto* ids = std::get_if<std::vector<NodeId>>(&parsed);
-  if (ids == nullptr) return std::nullopt;
-  return NodePath(std::move(*ids));
+  return detail::NodePathParser::make(text);
 }
 
 NodePath1::NodePath1(const ui::core::ustring& text) : NodePathBase(text) {
@@ -163,10 +214,9 @@ NodePath1::NodePath1(std::vector<NodeId>&& ids) : NodePathBase(std::move(ids)) {
 }
 
 std::optional<NodePath1> NodePath1::make(const ui::core::ustring& text) {
-  Parsed parsed = parse_node_path(text);
-  auto* ids = std::get_if<std::vector<NodeId>>(&parsed);
-  if (ids == nullptr || ids->empty()) return std::nullopt;
-  return NodePath1(std::move(*ids));
+  std::optional<NodePath> path = detail::NodePathParser::make(text);
+  if (!path || path->empty()) return std::nullopt;
+  return NodePath1(std::move(*path));
 }
 
 NodePath1& NodePath1::operator+=(const NodePathBase& other) {

@@ -1,4 +1,5 @@
-// ui-core batch: runs a file of ui-core command lines, one per line.
+// ui-core batch: runs a file of ui-core command lines, one per line (or the
+// lines of standard input).
 //
 // Each line is split like a shell would split it (blanks separate words;
 // single and double quotes group; a backslash escapes the next character) and
@@ -6,6 +7,7 @@
 // the next. Blank lines and lines starting with '#' are skipped. The command
 // line is echoed before its output.
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -71,9 +73,15 @@ int run_self(const std::vector<std::string>& args, std::string& why) {
   argv.push_back(nullptr);
   std::cout.flush();
   std::fflush(stdout);
+  // A command line without inputs would read standard input, which is the
+  // batch's own (or the terminal): it reads nothing instead.
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
   pid_t pid = 0;
-  if (const int error = posix_spawn(&pid, "/proc/self/exe", nullptr, nullptr, argv.data(), environ);
-      error != 0) {
+  const int error = posix_spawn(&pid, "/proc/self/exe", &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (error != 0) {
     why = std::strerror(error);
     return -1;
   }
@@ -93,14 +101,25 @@ void setup_batch(CLI::App& app, Outcome& outcome) {
   auto file = std::make_shared<std::string>();
   CLI::App* cmd = app.add_subcommand(
       "batch", "Run a file of ui-core command lines (one per line, '#' comments), e.g. the sample");
-  cmd->add_option("file", *file, "The file of command lines")->required()->check(CLI::ExistingFile);
+  cmd->add_option("file", *file,
+                  "The file of command lines; without it (or with '-') standard input");
+  cmd->footer(
+      "Examples:\n"
+      "  ui-core batch examples/sample/session.txt\n"
+      "  printf 'node-path a/b\\nunit km --to m\\n' | ui-core batch\n");
   cmd->callback([file, &outcome] {
-    std::ifstream in(*file);
-    if (!in) {
-      std::cerr << "error: cannot read " << *file << '\n';
-      outcome.exit_code = exit_refused;
-      return;
+    const bool use_stdin = file->empty() || *file == "-";
+    std::ifstream from_file;
+    if (!use_stdin) {
+      from_file.open(*file);
+      if (!from_file) {
+        std::cerr << "error: cannot read " << *file << '\n';
+        outcome.exit_code = exit_usage;
+        return;
+      }
     }
+    std::istream& in = use_stdin ? std::cin : from_file;
+    const std::string name = use_stdin ? std::string("standard input") : *file;
     std::string line;
     std::size_t number = 0;
     std::size_t ran = 0;
@@ -111,13 +130,13 @@ void setup_batch(CLI::App& app, Outcome& outcome) {
       if (first == std::string::npos || line[first] == '#') continue;
       const auto words = split_words(line);
       if (!words) {
-        std::cerr << *file << ":" << number << ": error: unterminated quote\n";
+        std::cerr << name << ":" << number << ": error: unterminated quote\n";
         outcome.exit_code = exit_usage;
         return;
       }
       if (words->empty()) continue;
       if ((*words)[0] == "batch") {
-        std::cerr << *file << ":" << number << ": error: batch files cannot run batch\n";
+        std::cerr << name << ":" << number << ": error: batch files cannot run batch\n";
         outcome.exit_code = exit_usage;
         return;
       }
@@ -126,12 +145,12 @@ void setup_batch(CLI::App& app, Outcome& outcome) {
       const int code = run_self(*words, why);
       ++ran;
       if (code < 0) {
-        std::cerr << *file << ":" << number << ": error: cannot run the command: " << why << '\n';
+        std::cerr << name << ":" << number << ": error: cannot run the command: " << why << '\n';
         outcome.exit_code = exit_usage;
         return;
       }
       if (code == exit_usage) {
-        std::cerr << *file << ":" << number << ": error: bad command line (exit " << code << ")\n";
+        std::cerr << name << ":" << number << ": error: bad command line (exit " << code << ")\n";
         outcome.exit_code = exit_usage;
         return;
       }

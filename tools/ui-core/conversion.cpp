@@ -5,12 +5,20 @@
 // A subscript is written in its path text form ("//2, 3") or plainly as its
 // values joined by commas ("2,3" or "2, 3"), to which "//" is prefixed.
 // Indices are 0-based, subscripts 1-based, storage column-major.
+//
+// With --size every input is a subscript (sub2ind) or an index (ind2sub).
+// Without it an input is "<subscript or index> <size>", the size being the
+// last word; on the command line the two are separate arguments:
+//
+//   ui-core sub2ind '//2, 3' 3x4
+//   ui-core sub2ind --size 3x4 '//2, 3' 1,1
+//   printf '//2, 3 3x4\n7 2x5\n' | ui-core sub2ind
 
-#include <iostream>
 #include <limits>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "command.h"
@@ -26,8 +34,8 @@ namespace ui_core_tool {
 namespace {
 
 // A decimal number that fits in size_t, or nothing.
-std::optional<std::size_t> parse_count(const std::string& text) {
-  if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos) return {};
+std::optional<std::size_t> parse_count(std::string_view text) {
+  if (text.empty() || text.find_first_not_of("0123456789") != std::string_view::npos) return {};
   std::size_t value = 0;
   for (char c : text) {
     const auto digit = static_cast<std::size_t>(c - '0');
@@ -37,85 +45,223 @@ std::optional<std::size_t> parse_count(const std::string& text) {
   return value;
 }
 
-krel::ArraySize parse_size(const std::string& text) {
+krel::ArraySize parse_size(std::string_view text) {
   std::vector<std::size_t> dims;
   std::size_t start = 0;
   while (true) {
     const std::size_t x = text.find('x', start);
-    const std::string piece = text.substr(start, x == std::string::npos ? x : x - start);
-    const auto dim = parse_count(piece);
+    const auto dim = parse_count(text.substr(start, x == std::string_view::npos ? x : x - start));
     if (!dim) {
-      throw CLI::ValidationError("size",
-                                 "expected dimensions joined by 'x', e.g. 3x4, got '" + text + "'");
+      const std::string shown(text);
+      throw InputError(
+          "InvalidSize", nlohmann::ordered_json::array({shown}),
+          "the size '" + shown + "' is not dimensions joined by 'x', such as 3x4",
+          "die Größe '" + shown + "' besteht nicht aus mit 'x' verbundenen Dimensionen, wie 3x4");
     }
     dims.push_back(*dim);
-    if (x == std::string::npos) break;
+    if (x == std::string_view::npos) break;
     start = x + 1;
   }
   return krel::ArraySize(dims.data(), dims.size());
 }
 
-std::size_t parse_index(const std::string& text) {
+std::size_t parse_index(std::string_view text) {
   const auto index = parse_count(text);
   if (!index) {
-    throw CLI::ValidationError("index", "expected a 0-based decimal index, got '" + text + "'");
+    const std::string shown(text);
+    throw InputError("InvalidIndex", nlohmann::ordered_json::array({shown}),
+                     "the index '" + shown + "' is not a 0-based decimal index",
+                     "der Index '" + shown + "' ist kein 0-basierter dezimaler Index");
   }
   return *index;
 }
 
 // The subscript's path text: as given when it starts with "//", else with
 // "//" in front. The subscript's own parser then refuses anything else.
-ui::core::ObjectPathSubscript parse_subscript(const std::string& text) {
-  const std::string path_text = text.rfind("//", 0) == 0 ? text : "//" + text;
+ui::core::ObjectPathSubscript parse_subscript(std::string_view text) {
+  const std::string path_text =
+      text.substr(0, 2) == "//" ? std::string(text) : "//" + std::string(text);
   return ui::core::ObjectPathSubscript(from_arg(path_text));
 }
 
-void setup_conversion(CLI::App& app, Outcome& /*outcome*/) {
-  struct Options {
-    std::string subscript;
-    std::string index;
-    std::string size;
-    std::string path;
-  };
-  auto opts = std::make_shared<Options>();
+constexpr std::string_view blanks = " \t";
 
-  CLI::App* sub2ind = app.add_subcommand(
-      "sub2ind", "Print the 0-based column-major index of 1-based subscripts into an array");
-  sub2ind->add_option("subscript", opts->subscript, "Subscripts, e.g. \"//2, 3\" or 2,3")
-      ->required();
-  sub2ind->add_option("size", opts->size, "Array size, e.g. 3x4")->required();
-  sub2ind->callback([opts] {
-    const krel::ArraySize size = parse_size(opts->size);
-    const auto index = ui::core::sub_to_ind(parse_subscript(opts->subscript), size);
-    std::cout << index.index() << '\n';
-  });
+// "<first> <size>": the size is the last word. Blanks at the end are ignored.
+std::pair<std::string_view, std::string_view> split_size(std::string_view input,
+                                                         std::string_view what) {
+  const std::size_t last = input.find_last_not_of(blanks);
+  input = input.substr(0, last == std::string_view::npos ? 0 : last + 1);
+  const std::size_t blank = input.find_last_of(blanks);
+  if (blank == std::string_view::npos) {
+    const std::string shown(input);
+    throw InputError(
+        "MissingSize", nlohmann::ordered_json::array({shown}),
+        "'" + shown + "' has no array size after the " + std::string(what) + " (or give --size)",
+        "'" + shown + "' hat keine Feldgröße (oder --size angeben)");
+  }
+  std::string_view first = input.substr(0, blank);
+  first = first.substr(0, first.find_last_not_of(blanks) + 1);
+  return {first, input.substr(blank + 1)};
+}
 
-  CLI::App* ind2sub = app.add_subcommand(
-      "ind2sub", "Print the 1-based subscripts of a 0-based column-major index into an array");
-  ind2sub->add_option("index", opts->index, "0-based linear index, e.g. 7")->required();
-  ind2sub->add_option("size", opts->size, "Array size, e.g. 3x4")->required();
-  ind2sub->callback([opts] {
-    const std::size_t index = parse_index(opts->index);
-    const krel::ArraySize size = parse_size(opts->size);
-    const auto sub = ui::core::ind_to_sub(lang::core::PathElementIndex(index, size));
-    std::cout << to_out(static_cast<krel::ustring>(sub)) << '\n';
-  });
+nlohmann::ordered_json size_json(const krel::ArraySize& size) {
+  auto dims = nlohmann::ordered_json::array();
+  for (const std::size_t d : size) dims.push_back(d);
+  return dims;
+}
 
-  CLI::App* lang_path = app.add_subcommand(
-      "lang-path", "Print the language container and value paths of a node path, and back");
-  lang_path->add_option("path", opts->path, "Non-empty node path, e.g. Body//Frame/mass")
-      ->required();
-  lang_path->callback([opts] {
-    const ui::core::NodePath1 path(from_arg(opts->path));
-    const lang::core::ContainerPath container =
-        ui::core::to_container_path(ui::core::NodePath(path));
-    const lang::core::ValuePath value = ui::core::to_value_path(path);
-    std::cout << "container path: " << to_out(lang::core::to_user_string(container)) << '\n'
-              << "value path: " << to_out(lang::core::to_user_string(value)) << " (head '"
-              << to_out(lang::core::to_user_string(value.head())) << "', tail '"
-              << to_out(lang::core::to_user_string(value.tail())) << "')\n"
-              << "node path: " << to_out(ui::core::to_node_path1(value).ustring()) << '\n';
-  });
+nlohmann::ordered_json values_json(const ui::core::ObjectPathSubscript& subscript) {
+  auto values = nlohmann::ordered_json::array();
+  for (std::size_t k = 0; k < subscript.size(); ++k) values.push_back(subscript(k));
+  return values;
+}
+
+// The size given with --size, or nothing; checked before any input is read.
+std::optional<krel::ArraySize> fixed_size(const std::string& text, bool given) {
+  if (!given) return std::nullopt;
+  try {
+    return parse_size(text);
+  } catch (const InputError& e) {
+    throw CLI::ValidationError("--size", e.text());
+  }
+}
+
+// The language's text of a container path, value path or value tail.
+template <class Path>
+std::string user_text(const Path& path) {
+  return to_out(lang::core::to_user_string(path));
+}
+
+void setup_conversion(CLI::App& app, Outcome& outcome) {
+  {
+    auto size_text = std::make_shared<std::string>();
+    CLI::App* cmd = app.add_subcommand(
+        "sub2ind", "Print the 0-based column-major index of 1-based subscripts into an array");
+    auto io = add_inputs(
+        cmd, {"inputs",
+              "Pairs <subscript> <size>, e.g. \"//2, 3\" 3x4, or with --size the subscripts; "
+              "a line of input holds both, the size last",
+              "  ui-core sub2ind '//2, 3' 3x4\n"
+              "  ui-core sub2ind --size 3x4 2,3 '//1, 4'\n"
+              "  printf '//2, 3 3x4\\n4 1x5\\n' | ui-core sub2ind --json\n"});
+    CLI::Option* size_option =
+        cmd->add_option("--size", *size_text,
+                        "The array size of every input, e.g. 3x4; the inputs are then "
+                        "subscripts only");
+    cmd->callback([io, size_text, size_option, &outcome] {
+      const auto size = fixed_size(*size_text, size_option->count() != 0);
+      io->grouping = size ? ArgGrouping::each : ArgGrouping::pairs;
+      outcome.exit_code = run_inputs(*io, [&size](const Input& input, Record& out) {
+        std::string_view subscript_text = input.bytes;
+        std::optional<krel::ArraySize> line_size;
+        if (!size) {
+          const auto [first, size_part] = split_size(input.bytes, "subscript");
+          subscript_text = first;
+          line_size = parse_size(size_part);
+        }
+        const krel::ArraySize& array = size ? *size : *line_size;
+        const ui::core::ObjectPathSubscript subscript = parse_subscript(subscript_text);
+        const std::size_t index = ui::core::sub_to_ind(subscript, array).index();
+        switch (out.format) {
+          case Format::detail:
+            out.text += std::to_string(index) + "\n";
+            break;
+          case Format::line:
+            out.text += '\t';
+            out.text += std::to_string(index);
+            break;
+          case Format::json:
+            out.json["subscript"] = values_json(subscript);
+            out.json["size"] = size_json(array);
+            out.json["index"] = index;
+            break;
+        }
+      });
+    });
+  }
+  {
+    auto size_text = std::make_shared<std::string>();
+    CLI::App* cmd = app.add_subcommand(
+        "ind2sub", "Print the 1-based subscripts of a 0-based column-major index into an array");
+    auto io = add_inputs(
+        cmd, {"inputs",
+              "Pairs <index> <size>, e.g. 7 3x4, or with --size the indices; a line of input "
+              "holds both, the size last",
+              "  ui-core ind2sub 7 3x4\n"
+              "  ui-core ind2sub --size 2x3x4 0 23\n"
+              "  seq 0 11 | ui-core ind2sub --size 3x4 --json\n"});
+    CLI::Option* size_option =
+        cmd->add_option("--size", *size_text,
+                        "The array size of every input, e.g. 3x4; the inputs are then "
+                        "indices only");
+    cmd->callback([io, size_text, size_option, &outcome] {
+      const auto size = fixed_size(*size_text, size_option->count() != 0);
+      io->grouping = size ? ArgGrouping::each : ArgGrouping::pairs;
+      outcome.exit_code = run_inputs(*io, [&size](const Input& input, Record& out) {
+        std::string_view index_text = input.bytes;
+        std::optional<krel::ArraySize> line_size;
+        if (!size) {
+          const auto [first, size_part] = split_size(input.bytes, "index");
+          index_text = first;
+          line_size = parse_size(size_part);
+        }
+        const krel::ArraySize& array = size ? *size : *line_size;
+        const std::size_t index = parse_index(index_text);
+        const auto sub = ui::core::ind_to_sub(lang::core::PathElementIndex(index, array));
+        switch (out.format) {
+          case Format::detail:
+            append_utf8(out.text, static_cast<krel::ustring>(sub));
+            out.text += '\n';
+            break;
+          case Format::line:
+            out.text += '\t';
+            append_utf8(out.text, static_cast<krel::ustring>(sub));
+            break;
+          case Format::json:
+            out.json["index"] = index;
+            out.json["size"] = size_json(array);
+            out.json["subscript"] = values_json(sub);
+            out.json["text"] = to_out(static_cast<krel::ustring>(sub));
+            break;
+        }
+      });
+    });
+  }
+  {
+    CLI::App* cmd = app.add_subcommand(
+        "lang-path", "Print the language container and value paths of node paths, and back");
+    auto io = add_inputs(cmd, {"paths", "Non-empty node paths, e.g. Body//Frame/mass",
+                               "  ui-core lang-path Body//Frame/mass\n"
+                               "  ui-core lang-path --json a/b/c mass\n"
+                               "  ui-core lang-path --file paths.txt\n"});
+    cmd->callback([io, &outcome] {
+      outcome.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+        const ui::core::NodePath1 path(input.text);
+        const lang::core::ContainerPath container =
+            ui::core::to_container_path(ui::core::NodePath(path));
+        const lang::core::ValuePath value = ui::core::to_value_path(path);
+        const std::string back = to_out(ui::core::to_node_path1(value).ustring());
+        switch (out.format) {
+          case Format::detail:
+            out.text += "container path: " + user_text(container) +
+                        "\nvalue path: " + user_text(value) + " (head '" + user_text(value.head()) +
+                        "', tail '" + user_text(value.tail()) + "')\nnode path: " + back + "\n";
+            break;
+          case Format::line:
+            out.text += "\tcontainer: " + user_text(container) + "\tvalue: " + user_text(value) +
+                        "\tnode path: " + back;
+            break;
+          case Format::json:
+            out.json["container"] = user_text(container);
+            out.json["value"] = user_text(value);
+            out.json["head"] = user_text(value.head());
+            out.json["tail"] = user_text(value.tail());
+            out.json["node_path"] = back;
+            break;
+        }
+      });
+    });
+  }
 }
 
 const Registration conversion_registration{"conversion", &setup_conversion};

@@ -1,4 +1,7 @@
 // ui-core explain: the text of a message identifier in the user's locale.
+//
+//   ui-core explain kalder:common:ui:core:kernel:path:InvalidNodePath /mass
+//   ui-core explain --locale de --file ids.txt   # lines "<identifier>[<TAB><argument>...]"
 
 #include <iostream>
 
@@ -25,24 +28,80 @@ resource_core::BaseMsgID::Argument argument_for(const std::u16string& pattern, s
   return from_arg(arg);
 }
 
+// One input: "<catalogue>:<key>", then its arguments, each after a tab.
+void explain(const Input& input, Record& out) {
+  std::vector<std::string> fields;
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t tab = input.bytes.find('\t', start);
+    fields.emplace_back(
+        input.bytes.substr(start, tab == std::string_view::npos ? tab : tab - start));
+    if (tab == std::string_view::npos) break;
+    start = tab + 1;
+  }
+  const std::string& identifier = fields.front();
+  const std::size_t colon = identifier.rfind(':');
+  if (identifier.empty() || colon == std::string::npos || colon == 0 ||
+      colon + 1 == identifier.size()) {
+    throw InputError("InvalidIdentifier", nlohmann::ordered_json::array({identifier}),
+                     "expected <catalogue>:<key>, e.g. "
+                     "kalder:common:ui:core:kernel:path:InvalidNodePath, got '" +
+                         identifier + "'",
+                     "erwartet wird <Katalog>:<Schlüssel>, z. B. "
+                     "kalder:common:ui:core:kernel:path:InvalidNodePath, nicht '" +
+                         identifier + "'");
+  }
+  resource_core::BaseMsgID id;
+  id.catalogue = identifier.substr(0, colon);
+  id.key = identifier.substr(colon + 1);
+  const auto pattern = msgcat::find_pattern(id.catalogue, id.key, "en");
+  if (!pattern) {
+    throw InputError("UnknownMessage", nlohmann::ordered_json::array({identifier}),
+                     "the catalogue has no message " + identifier,
+                     "der Katalog hat keine Meldung " + identifier, false);
+  }
+  for (std::size_t i = 1; i < fields.size(); ++i) {
+    id.arguments.push_back(argument_for(*pattern, i - 1, fields[i]));
+  }
+  const std::string text = message_text(id);
+  switch (out.format) {
+    case Format::detail:
+      out.text += text + "\n";
+      break;
+    case Format::line:
+      out.text += "\t" + text;
+      break;
+    case Format::json: {
+      out.json["identifier"] = identifier;
+      auto arguments = nlohmann::ordered_json::array();
+      for (std::size_t i = 1; i < fields.size(); ++i) arguments.push_back(fields[i]);
+      out.json["arguments"] = std::move(arguments);
+      out.json["message"] = text;
+      break;
+    }
+  }
+}
+
 void setup_explain(CLI::App& app, Outcome& outcome) {
-  struct Options {
-    std::string identifier;
-    std::vector<std::string> args;
-    std::string locale;
-    bool list = false;
-  };
-  auto opts = std::make_shared<Options>();
+  auto list = std::make_shared<bool>(false);
   CLI::App* cmd = app.add_subcommand(
-      "explain", "Print the text of a message identifier (catalogue:key) with its arguments");
-  cmd->add_option("identifier", opts->identifier,
-                  "Full identifier, e.g. kalder:common:ui:core:kernel:path:InvalidNodePath");
-  cmd->add_option("args", opts->args, "The message's arguments, in order");
-  cmd->add_option("--locale", opts->locale,
-                  "Locale to read the text in (default: the environment's, e.g. LC_ALL)");
-  cmd->add_flag("--list", opts->list, "List every identifier the catalogue knows");
-  cmd->callback([opts, &outcome] {
-    if (opts->list) {
+      "explain", "Print the text of message identifiers (catalogue:key) with their arguments");
+  auto io = add_inputs(
+      cmd,
+      {"identifier",
+       "A full identifier, e.g. kalder:common:ui:core:kernel:path:InvalidNodePath, followed by "
+       "the message's arguments in order (one input); a line of input holds the same, "
+       "separated by tabs",
+       "  ui-core explain kalder:common:ui:core:kernel:path:InvalidNodePath /mass\n"
+       "  ui-core explain --locale de_DE.UTF-8 kalder:common:ui:core:kernel:path:InvalidNodePath "
+       "/mass\n"
+       "  printf 'kalder:common:ui:core:kernel:path:InvalidNodeId\\ta//\\n' | ui-core explain "
+       "--json\n"
+       "  ui-core explain --list\n"});
+  io->grouping = ArgGrouping::all;
+  cmd->add_flag("--list", *list, "List every identifier the catalogue knows");
+  cmd->callback([io, list, &outcome] {
+    if (*list) {
       std::string last;
       for (const auto& e : msgcat::entries()) {
         std::string id = e.catalogue + ":" + e.key;
@@ -51,27 +110,7 @@ void setup_explain(CLI::App& app, Outcome& outcome) {
       }
       return;
     }
-    const std::size_t colon = opts->identifier.rfind(':');
-    if (opts->identifier.empty() || colon == std::string::npos || colon == 0 ||
-        colon + 1 == opts->identifier.size()) {
-      throw CLI::ValidationError("identifier",
-                                 "expected <catalogue>:<key>, e.g. "
-                                 "kalder:common:ui:core:kernel:path:InvalidNodePath");
-    }
-    resource_core::BaseMsgID id;
-    id.catalogue = opts->identifier.substr(0, colon);
-    id.key = opts->identifier.substr(colon + 1);
-    const auto pattern = msgcat::find_pattern(id.catalogue, id.key, "en");
-    if (!pattern) {
-      std::cerr << "error: the catalogue has no message " << opts->identifier << '\n';
-      outcome.exit_code = exit_refused;
-      return;
-    }
-    for (std::size_t i = 0; i < opts->args.size(); ++i) {
-      id.arguments.push_back(argument_for(*pattern, i, opts->args[i]));
-    }
-    const std::string locale = opts->locale.empty() ? msgcat::global_locale_name() : opts->locale;
-    std::cout << to_out(msgcat::format(id, locale)) << '\n';
+    outcome.exit_code = run_inputs(*io, &explain);
   });
 }
 

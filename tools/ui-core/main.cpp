@@ -1,9 +1,10 @@
 // ui-core: inspect what the ui_core library makes of texts, sizes and units.
 //
-// Every subcommand reads its input from the command line (UTF-8), runs it
-// through the library and prints the result. A refused input prints the
-// message identifier and its text in the user's locale and exits with 1; bad
-// usage exits with 2.
+// Every subcommand reads its inputs (UTF-8) from the command line, a file or
+// standard input, runs each through the library and prints the result (see
+// command.h for the shared driver). A refused input prints the message
+// identifier and its text in the user's locale and exits with 1, after the
+// remaining inputs were processed; bad usage exits with 2.
 
 #include <algorithm>
 #include <clocale>
@@ -11,9 +12,8 @@
 #include <locale>
 #include <vector>
 
-#include <unicode/ustring.h>
-
 #include "command.h"
+#include "line_io.h"
 #include "ui/core/version.h"
 
 namespace ui_core_tool {
@@ -48,37 +48,18 @@ Registration::Registration(std::string_view name, Setup setup) {
 krel::ustring from_arg(const std::string& arg) {
   // Converting would quietly turn bad bytes into U+FFFD and the tool would
   // answer for a text nobody typed, so such an argument is refused instead.
-  // UTF-16 never needs more code units than UTF-8 has bytes.
-  krel::ustring text(arg.size(), u'\0');
-  UErrorCode status = U_ZERO_ERROR;
-  int32_t length = 0;
-  u_strFromUTF8(reinterpret_cast<UChar*>(text.data()), static_cast<int32_t>(text.size()), &length,
-                arg.data(), static_cast<int32_t>(arg.size()), &status);
-  if (status == U_INVALID_CHAR_FOUND || status == U_ILLEGAL_CHAR_FOUND) {
-    std::string shown;
-    for (unsigned char c : arg) {
-      if (c >= 0x20 && c < 0x7f) {
-        shown += static_cast<char>(c);
-      } else {
-        static constexpr char hex[] = "0123456789abcdef";
-        shown += "\\x";
-        shown += hex[c >> 4];
-        shown += hex[c & 15];
-      }
-    }
-    throw std::runtime_error("the argument '" + shown + "' is not valid UTF-8");
+  krel::ustring text;
+  if (decode_utf8(arg, text) != std::string_view::npos) {
+    throw std::runtime_error("the argument '" + printable(arg) + "' is not valid UTF-8");
   }
-  if (U_FAILURE(status)) throw std::runtime_error("the argument cannot be read as UTF-8");
-  text.resize(static_cast<std::size_t>(length));
   return text;
 }
 
 std::string to_out(const krel::ustring& text) {
-  return krel::ustring_to_utf8_string(text);
-}
-
-void report(const krel::MessageException& e) {
-  std::cerr << "error: " << e.what() << '\n';
+  std::string out;
+  out.reserve(text.size());
+  append_utf8(out, text);
+  return out;
 }
 
 }  // namespace ui_core_tool
@@ -93,6 +74,15 @@ int main(int argc, char** argv) {
                        std::string("ui-core ") + std::string(ui::core::version_string()));
   app.require_subcommand(1);
   app.failure_message(CLI::FailureMessage::help);
+  app.footer(
+      "Every subcommand takes its inputs as arguments, from a file (--file) or from standard "
+      "input, one per line; --json writes JSON Lines; --locale picks the message language. "
+      "'ui-core <subcommand> --help' shows examples.\n\n"
+      "Examples:\n"
+      "  ui-core node-path Body//Frame/mass\n"
+      "  ui-core node-path --json --file paths.txt > paths.jsonl\n"
+      "  printf '//2, 3\\n//3, 4\\n' | ui-core sub2ind --size 3x4\n"
+      "  ui-core explain --locale de kalder:common:ui:core:kernel:path:InvalidNodePath /mass\n");
 
   Outcome outcome;
   auto& entries = registry();
@@ -110,6 +100,9 @@ int main(int argc, char** argv) {
     return app.exit(e);
   } catch (const CLI::ParseError& e) {
     app.exit(e);
+    return exit_usage;
+  } catch (const InputError& e) {
+    std::cerr << "error: " << e.text() << "\nRun with --help for more information.\n";
     return exit_usage;
   } catch (const krel::MessageException& e) {
     report(e);

@@ -2,12 +2,11 @@
 //
 //   ui-core node-path 'Body//Frame/mass' '/mass'
 //   ui-core node-path --relative-to Body//Frame 'Body//Frame/mass'
+//   ui-core node-path --json --file paths.txt
 
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "command.h"
 #include "ui/core/node_path.h"
@@ -15,58 +14,109 @@
 namespace ui_core_tool {
 namespace {
 
-std::string quoted(const krel::ustring& text) {
-  return "'" + to_out(text) + "'";
-}
+using ui::core::NodeId;
+using ui::core::NodePath;
 
-// Prints one text's verdict, identifiers and text form; false when refused.
-bool describe(const std::string& arg, const std::optional<ui::core::NodePath>& base) {
-  const krel::ustring text = from_arg(arg);
+void describe(const Input& input, Record& out, const std::optional<NodePath>& base) {
+  std::optional<NodePath> parsed;
   try {
-    const ui::core::NodePath path(text);
-    std::cout << quoted(text) << " is a valid node path with " << path.size()
-              << (path.size() == 1 ? " identifier\n" : " identifiers\n");
-    std::size_t n = 0;
-    for (const ui::core::NodeId& id : path) {
-      std::cout << "  id " << ++n << ": " << quoted(id.ustring()) << '\n';
+    parsed.emplace(input.text);
+  } catch (const krel::MessageException&) {
+    if (out.format == Format::detail) {
+      append_quoted(out.text, input.text);
+      out.text += " is not a valid node path\n";
     }
-    std::cout << "  text form: " << quoted(path.ustring()) << '\n';
-    if (base) {
-      const auto rest = ui::core::relpath(path, *base);
-      if (rest) {
-        std::cout << "  relative to " << quoted(base->ustring()) << ": " << quoted(rest->ustring())
-                  << '\n';
-      } else {
-        std::cout << "  relative to " << quoted(base->ustring()) << ": not a prefix\n";
+    throw;
+  }
+  const NodePath& path = *parsed;
+  std::optional<NodePath> rest;
+  if (base) rest = ui::core::relpath(path, *base);
+
+  switch (out.format) {
+    case Format::detail: {
+      std::string& s = out.text;
+      append_quoted(s, input.text);
+      s += " is a valid node path with ";
+      s += std::to_string(path.size());
+      s += path.size() == 1 ? " identifier\n" : " identifiers\n";
+      std::size_t n = 0;
+      for (const NodeId& id : path) {
+        s += "  id ";
+        s += std::to_string(++n);
+        s += ": ";
+        append_quoted(s, id.ustring());
+        s += '\n';
       }
+      s += "  text form: ";
+      append_quoted(s, path.ustring());
+      s += '\n';
+      if (base) {
+        s += "  relative to ";
+        append_quoted(s, base->ustring());
+        s += ": ";
+        if (rest) {
+          append_quoted(s, rest->ustring());
+        } else {
+          s += "not a prefix";
+        }
+        s += '\n';
+      }
+      break;
     }
-    return true;
-  } catch (const krel::MessageException& e) {
-    std::cout << quoted(text) << " is not a valid node path\n";
-    std::cout.flush();
-    report(e);
-    return false;
+    case Format::line: {
+      std::string& s = out.text;
+      s += '\t';
+      s += std::to_string(path.size());
+      s += path.size() == 1 ? " identifier" : " identifiers";
+      const char* separator = ": ";
+      for (const NodeId& id : path) {
+        s += separator;
+        separator = " ";
+        append_quoted(s, id.ustring());
+      }
+      if (base) {
+        s += "\trelative: ";
+        if (rest) {
+          append_quoted(s, rest->ustring());
+        } else {
+          s += "not a prefix";
+        }
+      }
+      break;
+    }
+    case Format::json: {
+      auto ids = nlohmann::ordered_json::array();
+      for (const NodeId& id : path) ids.push_back(to_out(id.ustring()));
+      out.json["ids"] = std::move(ids);
+      out.json["text"] = to_out(path.ustring());
+      if (base) {
+        out.json["relative"] =
+            rest ? nlohmann::ordered_json(to_out(rest->ustring())) : nlohmann::ordered_json();
+      }
+      break;
+    }
   }
 }
 
 void setup_node_path(CLI::App& app, Outcome& outcome) {
-  struct Options {
-    std::vector<std::string> texts;
-    std::optional<std::string> base;
-  };
-  auto opts = std::make_shared<Options>();
+  auto base_text = std::make_shared<std::optional<std::string>>();
   CLI::App* cmd = app.add_subcommand(
       "node-path", "Parse node path texts: validity, identifiers (escapes kept) and text form");
-  cmd->add_option("texts", opts->texts, "Node path texts, e.g. 'Body//Frame/mass'")->required();
-  cmd->add_option("--relative-to", opts->base,
+  auto io = add_inputs(cmd, {"texts", "Node path texts, e.g. 'Body//Frame/mass'",
+                             "  ui-core node-path 'Body//Frame/mass' /mass\n"
+                             "  ui-core node-path --relative-to a/b a/b/c a/x\n"
+                             "  ui-core node-path --file paths.txt            # one line per path\n"
+                             "  ui-core node-path --json < paths.txt | jq -c .ids\n"
+                             "  ui-core node-path --locale de_DE.UTF-8 a/\n"});
+  cmd->add_option("--relative-to", *base_text,
                   "Also print the rest of each path after this base path (relpath)");
-  cmd->callback([opts, &outcome] {
+  cmd->callback([io, base_text, &outcome] {
+    if (!io->locale.empty()) select_message_locale(io->locale);
     // An invalid base is refused before any text is looked at (exit 1).
-    std::optional<ui::core::NodePath> base;
-    if (opts->base) base.emplace(from_arg(*opts->base));
-    for (const std::string& arg : opts->texts) {
-      if (!describe(arg, base)) outcome.exit_code = exit_refused;
-    }
+    std::optional<NodePath> base;
+    if (*base_text) base.emplace(from_arg(**base_text));
+    outcome.exit_code =
+        run_inputs(*io, [&base](const Input& input, Record& out) { describe(input, out, base); });
   });
 }
 

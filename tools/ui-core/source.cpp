@@ -1,10 +1,15 @@
-// ui-core source: a Source made by the installed bundles, printed.
+// ui-core source: Sources made by the installed bundles, printed.
+//
+//   ui-core source --location model/plant.ssc:12:5
+//   ui-core source --kind block model/Sub/Gain model/Sub/Sum
+//   ui-core source --kind dialog --json --file blocks.txt
 
 #include <charconv>
 #include <iostream>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 
 #include "command.h"
@@ -16,7 +21,9 @@
 namespace ui_core_tool {
 namespace {
 
-std::optional<std::uint32_t> parse_number(const std::string& text) {
+enum class Kind { location, block, dialog };
+
+std::optional<std::uint32_t> parse_number(std::string_view text) {
   std::uint32_t value = 0;
   const char* end = text.data() + text.size();
   const auto [ptr, ec] = std::from_chars(text.data(), end, value);
@@ -25,21 +32,36 @@ std::optional<std::uint32_t> parse_number(const std::string& text) {
 }
 
 // FILE:LINE:COL, split at the last two colons so that FILE may hold colons.
-krel::Location parse_location(const std::string& text) {
+krel::Location parse_location(std::string_view text) {
+  const std::string shown(text);
   const std::size_t col_colon = text.rfind(':');
-  const std::size_t line_colon = col_colon == std::string::npos || col_colon == 0
-                                     ? std::string::npos
+  const std::size_t line_colon = col_colon == std::string_view::npos || col_colon == 0
+                                     ? std::string_view::npos
                                      : text.rfind(':', col_colon - 1);
-  if (line_colon == std::string::npos) {
-    throw CLI::ValidationError("--location", "expected FILE:LINE:COL, got '" + text + "'");
+  if (line_colon == std::string_view::npos) {
+    throw InputError("InvalidLocation", nlohmann::ordered_json::array({shown}),
+                     "expected FILE:LINE:COL, got '" + shown + "'",
+                     "erwartet wird DATEI:ZEILE:SPALTE, nicht '" + shown + "'");
   }
   const auto line = parse_number(text.substr(line_colon + 1, col_colon - line_colon - 1));
   const auto column = parse_number(text.substr(col_colon + 1));
   if (!line || !column) {
-    throw CLI::ValidationError("--location",
-                               "LINE and COL must be whole numbers below 2^32, in '" + text + "'");
+    throw InputError("InvalidLocation", nlohmann::ordered_json::array({shown}),
+                     "LINE and COL must be whole numbers below 2^32, in '" + shown + "'",
+                     "ZEILE und SPALTE müssen ganze Zahlen unter 2^32 sein, in '" + shown + "'");
   }
-  return krel::Location(from_arg(text.substr(0, line_colon)), *line, *column);
+  return krel::Location(from_arg(std::string(text.substr(0, line_colon))), *line, *column);
+}
+
+// Where the bundles were looked for: the likely reason no source could be made.
+void note_bundle_search(const krel::MessageException& e) {
+  if (!ui::core::is_error(e, ui::core::ErrorId::CannotCreateSource)) return;
+  std::cerr << "note: no bundle of the set kalder_ui_create_source provides this service; "
+               "folders searched:";
+  const auto path = krel::bundle_search_path();
+  if (path.empty()) std::cerr << " none";
+  for (const auto& folder : path) std::cerr << ' ' << folder.string();
+  std::cerr << '\n';
 }
 
 void setup_source(CLI::App& app, Outcome& outcome) {
@@ -47,47 +69,94 @@ void setup_source(CLI::App& app, Outcome& outcome) {
     std::string location;
     std::string block;
     bool open_dialog = false;
+    Kind kind = Kind::location;
   };
   auto opts = std::make_shared<Options>();
   CLI::App* cmd = app.add_subcommand(
-      "source", "Create a source through the installed service bundles and print it");
+      "source", "Create sources through the installed service bundles and print them");
+  auto io = add_inputs(
+      cmd,
+      {"keys", "Keys of the kind --kind: file positions FILE:LINE:COL (the default), or block ids",
+       "  ui-core source --location model/plant.ssc:12:5\n"
+       "  ui-core source --block model/Sub/Gain --open-dialog\n"
+       "  ui-core source a.ssc:1:1 b.ssc:20:3\n"
+       "  ui-core source --kind block --json --file blocks.txt\n"});
   CLI::Option* location =
-      cmd->add_option("--location", opts->location, "A file position, FILE:LINE:COL");
-  CLI::Option* block = cmd->add_option("--block", opts->block, "The id of a block");
+      cmd->add_option("--location", opts->location, "One file position, FILE:LINE:COL");
+  CLI::Option* block = cmd->add_option("--block", opts->block, "The id of one block");
   CLI::Option* dialog = cmd->add_flag("--open-dialog", opts->open_dialog,
                                       "With --block: the source that opens the block's dialog");
+  CLI::Option* kind =
+      cmd->add_option("--kind", opts->kind,
+                      "What the keys are: location (FILE:LINE:COL), block (a block id) or "
+                      "dialog (a block id, the source opening its dialog)")
+          ->transform(CLI::CheckedTransformer(
+              std::map<std::string, Kind>{
+                  {"location", Kind::location}, {"block", Kind::block}, {"dialog", Kind::dialog}},
+              CLI::ignore_case));
   location->excludes(block);
   dialog->needs(block);
-  cmd->callback([opts, location, block, &outcome] {
-    if (location->count() == 0 && block->count() == 0) {
-      throw CLI::ValidationError("source", "give --location FILE:LINE:COL or --block ID");
-    }
-    boost::shared_ptr<ui::core::Source> source;
-    try {
-      if (location->count() != 0) {
-        source = ui::core::create_source(parse_location(opts->location));
-      } else if (opts->open_dialog) {
-        source = ui::core::create_source(krel::DravikId(from_arg(opts->block)), true);
-      } else {
-        source = ui::core::create_source(krel::DravikId(from_arg(opts->block)));
+  kind->excludes(location);
+  kind->excludes(block);
+  cmd->callback([opts, io, location, block, &outcome] {
+    Kind key_kind = opts->kind;
+    if (location->count() != 0 || block->count() != 0) {
+      if (!io->args.empty() || !io->file.empty()) {
+        throw CLI::ValidationError("source",
+                                   "give one key with --location or --block, or keys as "
+                                   "arguments or with --file, not both");
       }
-    } catch (const krel::MessageException& e) {
-      if (!ui::core::is_error(e, ui::core::ErrorId::CannotCreateSource)) throw;
-      report(e);
-      std::cerr << "note: no bundle of the set kalder_ui_create_source provides this service; "
-                   "folders searched:";
-      const auto path = krel::bundle_search_path();
-      if (path.empty()) std::cerr << " none";
-      for (const auto& folder : path) std::cerr << ' ' << folder.string();
-      std::cerr << '\n';
-      outcome.exit_code = exit_refused;
-      return;
+      if (location->count() != 0) {
+        io->args = {opts->location};
+      } else {
+        io->args = {opts->block};
+        key_kind = opts->open_dialog ? Kind::dialog : Kind::block;
+      }
     }
-    if (!source) {
-      std::cout << "(the service made no source for this key)\n";
-      return;
-    }
-    std::cout << *source << '\n';
+    outcome.exit_code = run_inputs(
+        *io,
+        [key_kind](const Input& input, Record& out) {
+          boost::shared_ptr<ui::core::Source> source;
+          switch (key_kind) {
+            case Kind::location:
+              source = ui::core::create_source(parse_location(input.bytes));
+              break;
+            case Kind::block:
+              source = ui::core::create_source(krel::DravikId(input.text));
+              break;
+            case Kind::dialog:
+              source = ui::core::create_source(krel::DravikId(input.text), true);
+              break;
+          }
+          std::string printed;
+          if (source) {
+            std::ostringstream os;
+            os << *source;
+            printed = os.str();
+          }
+          switch (out.format) {
+            case Format::detail:
+              out.text += source ? printed : "(the service made no source for this key)";
+              out.text += '\n';
+              break;
+            case Format::line:
+              out.text += '\t';
+              out.text += source ? printed : "(no source)";
+              break;
+            case Format::json: {
+              static constexpr const char* kinds[] = {"location", "block", "dialog"};
+              out.json["kind"] = kinds[static_cast<int>(key_kind)];
+              if (source) {
+                out.json["source"] = printed;
+                out.json["description"] = to_out(source->description());
+              } else {
+                out.json["source"] = nullptr;
+              }
+              break;
+            }
+          }
+        },
+        &note_bundle_search);
   });
 }
 

@@ -1,15 +1,27 @@
 // ui-core block-name, block-path-without-model, escape-xml, access,
 // unit-conversion-type: the enumerations and text utilities of the library.
+//
+//   ui-core block-name model/sub/Gain
+//   ui-core escape-xml < page.html
+//   ui-core access --json --file access.txt
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "command.h"
+#include "line_io.h"
 #include "ui/core/enumerations.h"
+#include "ui/core/errors.h"
 #include "ui/core/text_utils.h"
 
 namespace ui_core_tool {
@@ -45,24 +57,34 @@ std::size_t complete_prefix(std::string_view buffer) noexcept {
   return n;
 }
 
-// Escapes standard input to standard output piece by piece, so that input of
-// any size runs in constant memory.
-int escape_stream(std::FILE* in, std::FILE* out, std::size_t chunk_size) {
+// Escapes `in` to `out` piece by piece, so that input of any size runs in
+// constant memory.
+int escape_stream(std::FILE* in, std::FILE* out, std::size_t chunk_size, Progress* progress) {
   std::string buffer;
   std::string block(chunk_size, '\0');
+  std::uint64_t bytes = 0;
+  std::uint64_t lines = 0;
+  // The progress line makes way for output that goes to the same terminal.
+  const bool clear_progress = progress != nullptr && ::isatty(::fileno(out)) == 1;
   for (;;) {
     const std::size_t got = std::fread(block.data(), 1, block.size(), in);
     if (std::ferror(in)) {
-      std::cerr << "error: cannot read standard input\n";
+      std::cerr << "error: cannot read the input\n";
       return exit_refused;
     }
     // fread comes back short only at the end of the input (or on an error).
     const bool at_end = got < block.size();
     buffer.append(block, 0, got);
+    if (progress != nullptr) {
+      bytes += got;
+      lines += static_cast<std::uint64_t>(std::count(block.begin(), block.begin() + got, '\n'));
+      progress->update_chunk(bytes, lines);
+    }
     const std::size_t cut = at_end ? buffer.size() : complete_prefix(buffer);
     if (cut > 0) {
       const ustring text = krel::utf8_string_to_ustring(std::string_view(buffer).substr(0, cut));
       const std::string escaped = krel::ustring_to_utf8_string(ui::core::escape_xml(text));
+      if (clear_progress) progress->clear();
       if (std::fwrite(escaped.data(), 1, escaped.size(), out) != escaped.size()) {
         std::cerr << "error: cannot write standard output\n";
         return exit_refused;
@@ -78,50 +100,155 @@ int escape_stream(std::FILE* in, std::FILE* out, std::size_t chunk_size) {
   return exit_ok;
 }
 
-void setup_text(CLI::App& app, Outcome& outcome) {
-  {
-    auto path = std::make_shared<std::string>();
-    CLI::App* cmd = app.add_subcommand(
-        "block-name", "Print the last block name of a block path (\"//\" is a \"/\" in a name)");
-    cmd->add_option("path", *path, "Block path, e.g. model/sub/Gain")->required();
-    cmd->callback([path] { std::cout << to_out(ui::core::block_name(from_arg(*path))) << '\n'; });
-  }
-  {
-    auto path = std::make_shared<std::string>();
-    CLI::App* cmd = app.add_subcommand("block-path-without-model",
-                                       "Print a block path without its first component, the model");
-    cmd->add_option("path", *path, "Block path, e.g. model/sub/Gain")->required();
-    cmd->callback([path] {
-      std::cout << to_out(ui::core::block_path_without_model(from_arg(*path))) << '\n';
+// A subcommand that maps each input text to one output text.
+void add_text_command(CLI::App& app, Outcome& outcome, const std::string& name,
+                      const std::string& description, const InputHelp& help,
+                      const std::string& json_field, ustring (*function)(const ustring&)) {
+  CLI::App* cmd = app.add_subcommand(name, description);
+  auto io = add_inputs(cmd, help);
+  cmd->callback([io, json_field, function, &outcome] {
+    outcome.exit_code = run_inputs(*io, [&json_field, function](const Input& input, Record& out) {
+      const ustring result = function(input.text);
+      switch (out.format) {
+        case Format::detail:
+          append_utf8(out.text, result);
+          out.text += '\n';
+          break;
+        case Format::line:
+          out.text += '\t';
+          append_utf8(out.text, result);
+          break;
+        case Format::json:
+          out.json[json_field] = to_out(result);
+          break;
+      }
     });
-  }
+  });
+}
+
+// The user text of a unit conversion kind in the message locale (the
+// library's own looks at the global locale, which --locale may not reach).
+std::string unit_conversion_text(ui::core::UnitConversionType type) {
+  if (type != ui::core::UnitConversionType::unknown) return to_out(ui::core::to_user_string(type));
+  resource_core::BaseMsgID id;
+  id.catalogue = ui::core::error_catalogue(ui::core::ErrorId::UnitConversionUnknown);
+  id.key = std::string(ui::core::error_info(ui::core::ErrorId::UnitConversionUnknown).key);
+  return message_text(id);
+}
+
+void setup_text(CLI::App& app, Outcome& outcome) {
+  add_text_command(app, outcome, "block-name",
+                   "Print the last block name of block paths (\"//\" is a \"/\" in a name)",
+                   {"paths", "Block paths, e.g. model/sub/Gain",
+                    "  ui-core block-name model/sub/Gain 'a///b'\n"
+                    "  ui-core block-name --file paths.txt\n"
+                    "  ui-core block-name --json < paths.txt\n"},
+                   "name", &ui::core::block_name);
+  add_text_command(app, outcome, "block-path-without-model",
+                   "Print block paths without their first component, the model",
+                   {"paths", "Block paths, e.g. model/sub/Gain",
+                    "  ui-core block-path-without-model model/sub/Gain\n"
+                    "  ui-core block-path-without-model --json --file paths.txt\n"},
+                   "path", &ui::core::block_path_without_model);
   {
     auto chunk = std::make_shared<std::size_t>(std::size_t{1} << 16);
     CLI::App* cmd = app.add_subcommand(
         "escape-xml",
-        "Copy standard input (UTF-8) to standard output with & ' \" > < escaped for XML; "
-        "invalid UTF-8 becomes U+FFFD");
-    cmd->add_option("--chunk-size", *chunk, "Bytes read at a time (default 65536)")
+        "Escape & ' \" > < for XML: arguments one per line, or standard input / --file copied "
+        "as a stream (invalid UTF-8 becomes U+FFFD); --json escapes line by line");
+    auto io = add_inputs(cmd, {"texts", "Texts to escape, each printed on its own line",
+                               "  printf '<a href=\"x&y\">\\n' | ui-core escape-xml\n"
+                               "  ui-core escape-xml --file page.html > page.txt\n"
+                               "  ui-core escape-xml 'a<b' \"it's\"\n"
+                               "  ui-core escape-xml --json --file lines.txt\n"});
+    cmd->add_option("--chunk-size", *chunk,
+                    "Bytes read at a time when copying a stream (default 65536)")
         ->check(CLI::Range(std::size_t{1}, std::size_t{1} << 26));
-    cmd->callback([chunk, &outcome] { outcome.exit_code = escape_stream(stdin, stdout, *chunk); });
+    cmd->callback([chunk, io, &outcome] {
+      const bool from_args =
+          io->file.empty() && !io->args.empty() && !(io->args.size() == 1 && io->args[0] == "-");
+      if (io->json || from_args || (!io->file.empty() && !io->args.empty())) {
+        outcome.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+          const ustring escaped = ui::core::escape_xml(input.text);
+          if (out.format == Format::json) {
+            out.json["escaped"] = to_out(escaped);
+          } else {
+            if (out.format == Format::line) out.text += '\t';
+            append_utf8(out.text, escaped);
+            if (out.format == Format::detail) out.text += '\n';
+          }
+        });
+        return;
+      }
+      if (!io->locale.empty()) select_message_locale(io->locale);
+      if (io->file.empty() || io->file == "-") {
+        outcome.exit_code = escape_stream(stdin, stdout, *chunk, nullptr);
+        return;
+      }
+      std::FILE* in = std::fopen(io->file.c_str(), "rb");
+      if (in == nullptr) {
+        std::cerr << "error: cannot open " << io->file << ": " << std::strerror(errno) << '\n';
+        outcome.exit_code = exit_usage;
+        return;
+      }
+      struct stat info {};
+      const std::uint64_t total =
+          ::fstat(::fileno(in), &info) == 0 && S_ISREG(info.st_mode) ? info.st_size : 0;
+      Progress progress(io->file, total, ::isatty(STDERR_FILENO) == 1);
+      outcome.exit_code = escape_stream(in, stdout, *chunk, &progress);
+      std::fclose(in);
+    });
   }
   {
-    auto text = std::make_shared<std::string>();
     CLI::App* cmd = app.add_subcommand(
-        "access", "Read an access text (internal or external, exactly) and print it back");
-    cmd->add_option("text", *text, "Access text")->required();
-    cmd->callback([text] { std::cout << ui::core::to_access(from_arg(*text)) << '\n'; });
+        "access", "Read access texts (internal or external, exactly) and print them back");
+    auto io = add_inputs(cmd, {"texts", "Access texts",
+                               "  ui-core access internal external\n"
+                               "  ui-core access --json --file access.txt\n"
+                               "  ui-core access --locale de_DE.UTF-8 intern\n"});
+    cmd->callback([io, &outcome] {
+      outcome.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+        const std::string text = to_out(ui::core::to_user_string(ui::core::to_access(input.text)));
+        switch (out.format) {
+          case Format::detail:
+            out.text += text + "\n";
+            break;
+          case Format::line:
+            out.text += "\t" + text;
+            break;
+          case Format::json:
+            out.json["access"] = text;
+            break;
+        }
+      });
+    });
   }
   {
-    auto text = std::make_shared<std::string>();
     CLI::App* cmd = app.add_subcommand(
         "unit-conversion-type",
-        "Read a unit conversion kind (absolute or relative, exactly); any other text is the "
+        "Read unit conversion kinds (absolute or relative, exactly); any other text is the "
         "unknown kind, printed in the user's language");
-    cmd->add_option("text", *text, "Unit conversion kind")->required();
-    cmd->callback([text] {
-      const ui::core::UnitConversionType type = ui::core::to_unit_conversion_type(from_arg(*text));
-      std::cout << type << " (" << static_cast<std::int32_t>(type) << ")\n";
+    auto io = add_inputs(cmd, {"texts", "Unit conversion kinds",
+                               "  ui-core unit-conversion-type relative Relative\n"
+                               "  ui-core unit-conversion-type --locale de --json delta\n"});
+    cmd->callback([io, &outcome] {
+      outcome.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+        const ui::core::UnitConversionType type = ui::core::to_unit_conversion_type(input.text);
+        const std::string text = unit_conversion_text(type);
+        const auto value = static_cast<std::int32_t>(type);
+        switch (out.format) {
+          case Format::detail:
+            out.text += text + " (" + std::to_string(value) + ")\n";
+            break;
+          case Format::line:
+            out.text += "\t" + text + " (" + std::to_string(value) + ")";
+            break;
+          case Format::json:
+            out.json["type"] = text;
+            out.json["value"] = value;
+            break;
+        }
+      });
     });
   }
 }

@@ -1,10 +1,15 @@
-// ui-core unit: what the units library makes of a unit expression.
+// ui-core unit: what the units library makes of unit expressions.
+//
+//   ui-core unit degF --to degC
+//   ui-core unit --json --to Pa psi bar
 
 #include <iomanip>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "command.h"
 #include "ui/core/unit_conversion.h"
@@ -15,15 +20,6 @@ namespace ui_core_tool {
 namespace {
 
 namespace units = units2::core;
-
-// The expression, or a refusal carrying the reason it is invalid.
-units::Expr parse_or_refuse(const std::string& text) {
-  units::Expr expr(from_arg(text));
-  if (!expr.isValid()) {
-    throw krel::MessageException(expr.problem().value_or(units::Expr::invalidMessage()));
-  }
-  return expr;
-}
 
 std::string exact_and_decimal(const units::ConversionRational& value) {
   std::string out = to_string(value);
@@ -38,62 +34,145 @@ std::string exact_and_decimal(const units::Magnitude& value) {
   return value.to_string() + " (" + decimal.str() + ")";
 }
 
-// One unit of `expr` in base units: "1 degF = 5/9 (0.5555555556) K", and for an
-// affine unit where its zero lies.
-std::string base_lines(const units::Expr& expr) {
+// Exact text of a magnitude (a fraction, or a product with pi).
+std::string exact(const units::Magnitude& value) {
+  return value.is_rational() ? to_string(value.rational_part()) : value.to_string();
+}
+
+// Everything `ui-core unit` shows about one expression, worked out before
+// anything is printed, so that a refused input prints only its error.
+struct UnitReport {
+  std::string text;
+  bool affine = false;
+  units::Magnitude scale;
+  std::string base_text;
+  std::optional<units::ConversionRational> zero;
+  struct Target {
+    std::string text;
+    bool linear = false;
+    units::ConversionRational factor;
+    units::ConversionRational offset;
+  };
+  std::optional<Target> to;
+  bool nonaffine = false;
+  std::string display;
+};
+
+UnitReport work_out(const krel::ustring& text, const std::optional<units::Expr>& to,
+                    bool nonaffine) {
+  units::Expr expr(text);
+  if (!expr.isValid()) {
+    throw krel::MessageException(expr.problem().value_or(units::Expr::invalidMessage()));
+  }
+  UnitReport r;
+  r.text = units::to_raw_expr(expr.info().factors).text();
+  r.affine = expr.info().affine;
+  // One unit of the expression in base units, and for an affine unit where
+  // its zero lies.
   const units::Context& context = *expr.context();
   units::Factors base;
-  units::Magnitude scale;
   for (const auto& [id, exponent] : expr.info().factors) {
     const units::Unit& unit = *context.find(id.view());
     base *= unit.dimension.pow(exponent);
-    scale *= unit.scale.pow(exponent);
+    r.scale *= unit.scale.pow(exponent);
   }
-  const std::string base_text = units::to_raw_expr(base).text();
-  std::string out = "base: 1 " + units::to_raw_expr(expr.info().factors).text() + " = " +
-                    exact_and_decimal(scale) + " " + base_text + "\n";
-  if (expr.info().affine) {
-    const units::Unit& unit = *context.find(expr.info().factors.singleton()->view());
-    out += "zero: " + exact_and_decimal(unit.offset) + " " + base_text + "\n";
+  r.base_text = units::to_raw_expr(base).text();
+  if (r.affine) r.zero = context.find(expr.info().factors.singleton()->view())->offset;
+  if (to) {
+    const units::ConversionMode mode =
+        nonaffine ? units::ConversionMode::linear : units::ConversionMode::affine;
+    const units::Conversion c = units::conversion(expr, *to, mode);
+    r.to = UnitReport::Target{units::to_raw_expr(to->info().factors).text(), nonaffine, c.linear(),
+                              c.offset()};
   }
-  return out;
+  r.nonaffine = nonaffine;
+  r.display = to_out(ui::core::ps2dravik_nonaffine_unit_conversion(expr, nonaffine));
+  return r;
 }
 
-void setup_unit(CLI::App& app, Outcome& /*outcome*/) {
+// The report's lines, as `ui-core unit` prints them one per line.
+std::vector<std::string> report_lines(const UnitReport& r) {
+  std::vector<std::string> lines;
+  lines.push_back("text: " + r.text);
+  lines.push_back(std::string("affine: ") + (r.affine ? "yes" : "no"));
+  lines.push_back("base: 1 " + r.text + " = " + exact_and_decimal(r.scale) + " " + r.base_text);
+  if (r.zero) lines.push_back("zero: " + exact_and_decimal(*r.zero) + " " + r.base_text);
+  if (r.to) {
+    lines.push_back("to: " + r.to->text + " (" + (r.to->linear ? "linear" : "affine") +
+                    ": y = factor*x + offset)");
+    lines.push_back("factor: " + exact_and_decimal(r.to->factor));
+    lines.push_back("offset: " + exact_and_decimal(r.to->offset));
+  }
+  lines.push_back((r.nonaffine ? "nonaffine display: " : "display: ") + r.display);
+  return lines;
+}
+
+void write_report(const UnitReport& r, Record& out) {
+  switch (out.format) {
+    case Format::detail:
+      for (const std::string& line : report_lines(r)) out.text += line + "\n";
+      break;
+    case Format::line:
+      for (const std::string& line : report_lines(r)) out.text += "\t" + line;
+      break;
+    case Format::json: {
+      out.json["text"] = r.text;
+      out.json["affine"] = r.affine;
+      out.json["scale"] = exact(r.scale);
+      out.json["base"] = r.base_text;
+      if (r.zero) out.json["zero"] = to_string(*r.zero);
+      if (r.to) {
+        auto to = nlohmann::ordered_json::object();
+        to["text"] = r.to->text;
+        to["mode"] = r.to->linear ? "linear" : "affine";
+        to["factor"] = to_string(r.to->factor);
+        to["offset"] = to_string(r.to->offset);
+        out.json["to"] = std::move(to);
+      }
+      out.json[r.nonaffine ? "nonaffine_display" : "display"] = r.display;
+      break;
+    }
+  }
+}
+
+void setup_unit(CLI::App& app, Outcome& outcome) {
   struct Options {
-    std::string expression;
     std::string to;
     bool nonaffine = false;
   };
   auto opts = std::make_shared<Options>();
   CLI::App* cmd = app.add_subcommand(
       "unit",
-      "Show a unit expression's canonical text, its conversion to another and its non-affine text");
-  cmd->add_option("expression", opts->expression, "Unit expression, e.g. kg*m^2/s^2, degF, km/h")
-      ->required();
+      "Show unit expressions' canonical text, their conversion to another and their non-affine "
+      "text");
+  auto io = add_inputs(cmd, {"expressions", "Unit expressions, e.g. kg*m^2/s^2, degF, km/h",
+                             "  ui-core unit degF --to degC\n"
+                             "  ui-core unit degC --nonaffine\n"
+                             "  ui-core unit --to Pa psi bar mmHg\n"
+                             "  ui-core unit --json --file units.txt\n"});
   cmd->add_option("--to", opts->to, "Print the exact conversion to this unit expression");
   cmd->add_flag("--nonaffine", opts->nonaffine,
                 "Convert without offsets (linear) and show the non-affine (delta) unit text");
-  cmd->callback([opts] {
-    // Everything is worked out before anything is printed, so a refused input
-    // prints only its error.
-    const units::Expr expr = parse_or_refuse(opts->expression);
-    std::string out = "text: " + units::to_raw_expr(expr.info().factors).text() + "\n";
-    out += std::string("affine: ") + (expr.info().affine ? "yes" : "no") + "\n";
-    out += base_lines(expr);
+  cmd->callback([opts, io, &outcome] {
+    if (!io->locale.empty()) select_message_locale(io->locale);
+    // The target is read once; an invalid one refuses the whole run (exit 1).
+    std::optional<units::Expr> to;
     if (!opts->to.empty()) {
-      const units::Expr to = parse_or_refuse(opts->to);
-      const units::ConversionMode mode =
-          opts->nonaffine ? units::ConversionMode::linear : units::ConversionMode::affine;
-      const units::Conversion c = units::conversion(expr, to, mode);
-      out += "to: " + units::to_raw_expr(to.info().factors).text() + " (" +
-             (opts->nonaffine ? "linear" : "affine") + ": y = factor*x + offset)\n";
-      out += "factor: " + exact_and_decimal(c.linear()) + "\n";
-      out += "offset: " + exact_and_decimal(c.offset()) + "\n";
+      to.emplace(from_arg(opts->to));
+      if (!to->isValid()) {
+        throw krel::MessageException(to->problem().value_or(units::Expr::invalidMessage()));
+      }
     }
-    out += std::string(opts->nonaffine ? "nonaffine display: " : "display: ") +
-           to_out(ui::core::ps2dravik_nonaffine_unit_conversion(expr, opts->nonaffine)) + "\n";
-    std::cout << out;
+    const bool headings = io->args.size() > 1;
+    outcome.exit_code = run_inputs(*io, [opts, &to, headings](const Input& input, Record& out) {
+      const UnitReport r = work_out(input.text, to, opts->nonaffine);
+      if (headings && out.format == Format::detail) {
+        out.text += "input: ";
+        out.text.append(input.bytes);
+        out.text += '\n';
+      }
+      write_report(r, out);
+    });
   });
 }
 

@@ -16,6 +16,10 @@
 // Threads: every function may be called from any thread; the stream functions
 // need the caller to serialise use of the stream.
 
+/// \file
+/// Access and UnitConversionType with their user texts.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_ENUMERATIONS_H
 #define UI_CORE_ENUMERATIONS_H
 

@@ -11,6 +11,10 @@
 //     if (ui::core::is_error(e, ui::core::ErrorId::InvalidNodePath)) ...
 //   }
 
+/// \file
+/// The messages the kernel reports failures with.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_ERRORS_H
 #define UI_CORE_ERRORS_H
 
@@ -24,6 +28,7 @@
 
 namespace ui::core {
 
+/// UTF-16 text, the form of every text the kernel takes and gives.
 using ustring = krel::ustring;
 
 /// Every message the kernel builds. All but UnitConversionUnknown are thrown;
@@ -47,6 +52,7 @@ enum class ErrorId {
 
 /// One row of the message table.
 struct ErrorInfo {
+  /// the message this row describes
   ErrorId id;
   std::string_view area;  ///< "access", "units", "source", "data_struct" or "path"
   std::string_view key;   ///< the key inside the catalogue, such as "InvalidNodeId"

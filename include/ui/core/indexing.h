@@ -13,6 +13,10 @@
 //   ui::core::ind_to_sub(lang::core::PathElementIndex(7, size));  // //2, 3
 //   ui::core::sub_to_maybe_ind(ui::core::ObjectPathSubscript(u"//4, 1"), size);  // empty: 4 > 3
 
+/// \file
+/// Array subscripts to linear indices and back.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_INDEXING_H
 #define UI_CORE_INDEXING_H
 

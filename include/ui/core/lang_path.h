@@ -17,6 +17,10 @@
 // Names travel as the identifiers' texts, escapes kept ("Body//Frame" stays
 // doubled), so a round trip gives back equal identifiers.
 
+/// \file
+/// Node paths to and from the modelling language's paths.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_LANG_PATH_H
 #define UI_CORE_LANG_PATH_H
 

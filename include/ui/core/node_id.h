@@ -12,6 +12,10 @@
 //   ui::core::NodeId id(u"Body//Frame");  // stored as given, escape kept
 //   ui::core::NodeId bad(u"a/b");         // throws InvalidNodeId with "a/b"
 
+/// \file
+/// Node identifiers and the separator of node paths.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_NODE_ID_H
 #define UI_CORE_NODE_ID_H
 
@@ -41,8 +45,8 @@ namespace ui::core {
 /// The same over the whole text; `text.end()` if there is none.
 [[nodiscard]] ustring::const_iterator find_node_sep(const ustring& text) noexcept;
 
-/// A copy with each POSIX white-space character (space, \t, \n, \v, \f, \r)
-/// replaced by a space. The length never changes; nothing is trimmed.
+/// A copy with each POSIX white-space character (space, `\t`, `\n`, `\v`, `\f`,
+/// `\r`) replaced by a space. The length never changes; nothing is trimmed.
 [[nodiscard]] ustring clean_white_space(const ustring& text);
 
 /// True when the text holds no unescaped separator (so also for the empty text).
@@ -71,14 +75,16 @@ class NodeId;
 namespace detail {
 
 struct NodeIdBlock;
+struct NodePathParser;
 
 /// Builds the identifiers of one parsed path with their records in one
 /// allocation, for texts already known to be identifiers. Internal to the
 /// node path parser.
 class NodeIdBatch {
  public:
-  /// Room for `capacity` identifiers.
-  explicit NodeIdBatch(std::size_t capacity);
+  /// Room for `capacity` identifiers, after room for one record of
+  /// `front_size` bytes that the caller may place in the block (front()).
+  NodeIdBatch(std::size_t capacity, std::size_t front_size);
   ~NodeIdBatch();
   NodeIdBatch(const NodeIdBatch&) = delete;
   NodeIdBatch& operator=(const NodeIdBatch&) = delete;
@@ -90,6 +96,16 @@ class NodeIdBatch {
   void add_to(std::vector<NodeId>& ids, const char16_t* first, const char16_t* last,
               bool may_hold_space);
 
+  /// The block, and the room for the front record in it. A record placed
+  /// there must take a reference with take_front_reference() and give it back
+  /// through NodeIdBlock's release when it is destroyed.
+  /// @{
+  [[nodiscard]] NodeIdBlock* block() const noexcept { return block_; }
+  [[nodiscard]] void* front() const noexcept;
+  /// @}
+  /// Takes one reference to the block for the record placed at front().
+  void take_front_reference() noexcept;
+
  private:
   NodeIdBlock* block_;
   std::size_t used_ = 0;
@@ -98,6 +114,7 @@ class NodeIdBatch {
 /// The check behind NodeId: the text to store (`clean_white_space` of a valid
 /// identifier text), or ErrorId::InvalidNodeId when `is_node_id` is false.
 struct NodeIdCheck {
+  /// The cleaned text of an identifier, or InvalidNodeId; throws no message.
   [[nodiscard]] std::variant<ustring, ErrorId> operator()(const ustring& text) const;
 };
 
@@ -129,6 +146,7 @@ class NodeId {
     friend class detail::NodeIdBatch;
     BatchKey() {}
   };
+  /// Takes over `adopted`, a record the node path parser has built and checked.
   NodeId(BatchKey, Rep* adopted) noexcept : rep_(adopted) {}
 
   /// The non-throwing twin: accepts exactly the texts the constructor accepts.
@@ -136,8 +154,11 @@ class NodeId {
 
   // Copying is the only transfer: a move would leave a handle without a
   // record, which is not a valid identifier. A copy costs one atomic increment.
+  /// Shares the other identifier's record; never throws.
+  /// @{
   NodeId(const NodeId&) noexcept = default;
   NodeId& operator=(const NodeId&) noexcept = default;
+  /// @}
 
   /// The stored text, escapes kept.
   [[nodiscard]] const ui::core::ustring& ustring() const noexcept { return rep_.read().text; }
@@ -156,6 +177,7 @@ class NodeId {
  private:
   friend class detail::NodeIdBatch;
   friend struct detail::NodeIdBlock;
+  friend struct detail::NodePathParser;
 
   struct Rep {
     krel::RefCount<> count;
@@ -171,7 +193,9 @@ class NodeId {
     /// Destroys the record and frees its storage: its own allocation, or its
     /// share of a block.
     static void operator delete(Rep* rep, std::destroying_delete_t) noexcept;
-    /// Frees the storage of a record whose construction failed.
+    /// A record of its own is allocated and, if its construction fails, freed
+    /// as any object is.
+    static void* operator new(std::size_t size) { return ::operator new(size); }
     static void operator delete(void* p) noexcept { ::operator delete(p); }
   };
 

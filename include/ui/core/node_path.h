@@ -18,12 +18,17 @@
 //   ui::core::NodePath(u"/mass");                // throws InvalidNodePath
 //   ui::core::NodePath(u"a///b");                // throws InvalidNodeId with "a//"
 
+/// \file
+/// Paths that name nodes of a model tree.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_NODE_PATH_H
 #define UI_CORE_NODE_PATH_H
 
 #include <cassert>
 #include <cstddef>
 #include <iosfwd>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -33,8 +38,15 @@
 
 namespace ui::core {
 
+namespace detail {
+struct NodePathParser;
+}
+
 /// The sequence of identifiers and its text form, shared by NodePath and
 /// NodePath1.
+///
+/// Invariant: every element is a valid NodeId, so its text is never checked
+/// again.
 ///
 /// Ownership: a handle; copies share one immutable record, and a change copies
 /// first. Every non-const accessor (`ids()`, `begin()`, `end()`, `rbegin()`,
@@ -47,6 +59,9 @@ namespace ui::core {
 /// object is like an int (many readers, or one writer).
 class NodePathBase {
  public:
+  /// The member types of a standard container of NodeIds, held in a
+  /// std::vector.
+  /// @{
   using value_type = NodeId;
   using size_type = std::size_t;
   using container_type = std::vector<NodeId>;
@@ -54,6 +69,7 @@ class NodePathBase {
   using const_iterator = container_type::const_iterator;
   using reverse_iterator = container_type::reverse_iterator;
   using const_reverse_iterator = container_type::const_reverse_iterator;
+  /// @}
 
   /// The empty path.
   NodePathBase() noexcept = default;
@@ -64,16 +80,22 @@ class NodePathBase {
   explicit NodePathBase(const ui::core::ustring& text);
 
   /// The path of these identifiers, in order.
+  /// @{
   explicit NodePathBase(const std::vector<NodeId>& ids);
   explicit NodePathBase(std::vector<NodeId>&& ids);
+  /// @}
 
   /// The path of one identifier.
   explicit NodePathBase(const NodeId& id);
 
+  /// The identifiers, in order.
   [[nodiscard]] const std::vector<NodeId>& ids() const noexcept { return rep_.read().ids; }
-  /// Copies a shared record first.
+  /// The identifiers, for changing; copies a shared record first.
   [[nodiscard]] std::vector<NodeId>& ids() { return rep_.write().ids; }
 
+  /// Iterators over the identifiers, first to last or (rbegin, rend) last to
+  /// first. The non-const ones are changes: they copy a shared record first.
+  /// @{
   [[nodiscard]] const_iterator begin() const noexcept { return ids().begin(); }
   [[nodiscard]] const_iterator end() const noexcept { return ids().end(); }
   [[nodiscard]] const_iterator cbegin() const noexcept { return ids().begin(); }
@@ -84,8 +106,11 @@ class NodePathBase {
   [[nodiscard]] iterator end() { return ids().end(); }
   [[nodiscard]] reverse_iterator rbegin() { return ids().rbegin(); }
   [[nodiscard]] reverse_iterator rend() { return ids().rend(); }
+  /// @}
 
-  /// The first and last identifier; the path must not be empty.
+  /// The first and last identifier; the path must not be empty. The non-const
+  /// ones copy a shared record first.
+  /// @{
   [[nodiscard]] const NodeId& front() const noexcept {
     assert(!empty() && "front() of an empty node path");
     return ids().front();
@@ -102,9 +127,13 @@ class NodePathBase {
     assert(!empty() && "back() of an empty node path");
     return ids().back();
   }
+  /// @}
 
+  /// The number of identifiers, and whether there are none.
+  /// @{
   [[nodiscard]] size_type size() const noexcept { return ids().size(); }
   [[nodiscard]] bool empty() const noexcept { return ids().empty(); }
+  /// @}
 
   /// Appends one identifier. If growing fails, the path keeps its identifiers.
   void push_back(const NodeId& id) { ids().push_back(id); }
@@ -130,16 +159,30 @@ class NodePathBase {
   void append_(const NodePathBase& other);
 
  private:
+  friend struct detail::NodePathParser;
+
   struct Rep {
     krel::RefCount<> count;
     std::vector<NodeId> ids;
+    /// The block this record shares with the records of its identifiers (a
+    /// parsed path), or null for a record allocated on its own.
+    detail::NodeIdBlock* block = nullptr;
 
     constexpr explicit Rep(krel::SharedEmptyTag) noexcept : count(krel::shared_empty_tag) {}
     explicit Rep(std::vector<NodeId>&& v) noexcept : ids(std::move(v)) {}
-    Rep(const Rep&) = default;
+    /// A copy is always a record of its own.
+    Rep(const Rep& other) : ids(other.ids) {}
 
     /// The record of every empty path; built at compile time, never freed.
     static Rep& shared_empty() noexcept;
+
+    /// Destroys the record and frees its storage: its own allocation, or its
+    /// share of a block.
+    static void operator delete(Rep* rep, std::destroying_delete_t) noexcept;
+    /// A record of its own is allocated and, if its construction fails, freed
+    /// as any object is.
+    static void* operator new(std::size_t size) { return ::operator new(size); }
+    static void operator delete(void* p) noexcept { ::operator delete(p); }
   };
 
   /// The handle of a new record holding `ids`, or of the shared empty record.
@@ -157,8 +200,11 @@ std::ostream& operator<<(std::ostream& os, const NodePathBase& path);
 /// copies first; copies may be used and destroyed on any threads at once.
 class NodePath : public NodePathBase {
  public:
+  /// The constructors of NodePathBase: from a text, from identifiers, or from
+  /// one identifier, with the same messages.
   using NodePathBase::NodePathBase;
 
+  /// The empty path.
   NodePath() noexcept = default;
 
   /// A path with `other`'s identifiers, sharing its record. Implicit: every
@@ -177,6 +223,7 @@ class NodePath : public NodePathBase {
   }
 };
 
+/// `lhs`'s identifiers followed by `rhs`'s.
 [[nodiscard]] inline NodePath operator+(NodePath lhs, const NodePathBase& rhs) {
   lhs += rhs;
   return lhs;
@@ -205,11 +252,16 @@ class NodePath1 : public NodePathBase {
   explicit NodePath1(const NodeId& id) : NodePathBase(id) {}
 
   /// The path of these identifiers; throws InvalidNodePath1 when there are none.
+  /// @{
   explicit NodePath1(const std::vector<NodeId>& ids);
   explicit NodePath1(std::vector<NodeId>&& ids);
+  /// @}
 
+  /// Shares the other path's record; never throws.
+  /// @{
   NodePath1(const NodePath1&) noexcept = default;
   NodePath1& operator=(const NodePath1&) noexcept = default;
+  /// @}
 
   /// The non-throwing twin of the constructor from text: empty exactly when
   /// that constructor throws.
@@ -223,6 +275,7 @@ class NodePath1 : public NodePathBase {
   void check_() const;
 };
 
+/// `lhs`'s identifiers followed by `rhs`'s; never empty, since `lhs` is not.
 [[nodiscard]] inline NodePath1 operator+(NodePath1 lhs, const NodePathBase& rhs) {
   lhs += rhs;
   return lhs;

@@ -19,6 +19,10 @@
 //   context.RegisterService<ui::core::SourceCreatorService<krel::Location>>(
 //       std::make_shared<MyLocationSourceCreator>());
 
+/// \file
+/// Where a model item came from, and how to get one.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_SOURCE_H
 #define UI_CORE_SOURCE_H
 

@@ -12,6 +12,10 @@
 // Every function returns a new text, leaves its argument alone, throws only
 // when memory runs out, and may be called from any thread.
 
+/// \file
+/// Block names in block paths, and escaping text for XML.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_TEXT_UTILS_H
 #define UI_CORE_TEXT_UTILS_H
 
@@ -38,9 +42,11 @@ namespace ui::core {
 [[nodiscard]] ustring block_path_without_model(const ustring& path);
 
 /// `text` made safe for XML character data and attribute values: each of
-/// & ' " > < becomes &amp; &apos; &quot; &gt; &lt;, and every other code unit
-/// (control characters and surrogates included) is copied unchanged. Entities
-/// already in the text are escaped again: u"&amp;" gives u"&amp;amp;".
+/// ``& ' " > <`` becomes <tt>\&amp; \&apos; \&quot; \&gt; \&lt;</tt> in turn, and
+/// every other code unit (control characters and surrogates included) is
+/// copied unchanged.
+/// Entities already in the text are escaped again: `u"&amp;"` gives
+/// `u"&amp;amp;"`.
 [[nodiscard]] ustring escape_xml(const ustring& text);
 
 }  // namespace ui::core

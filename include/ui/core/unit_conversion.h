@@ -13,6 +13,10 @@
 //   ui::core::ps2dravik_nonaffine_unit_conversion(Expr(u"degC"), false);  // u"degC"
 //   ui::core::ps2dravik_nonaffine_unit_conversion(Expr(u"m/s"), true);    // u"m/s"
 
+/// \file
+/// Which unit text to show for a non-affine conversion.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_UNIT_CONVERSION_H
 #define UI_CORE_UNIT_CONVERSION_H
 

@@ -1,5 +1,8 @@
 // ui/core/version.h - the version of the ui_core library a program runs with
 
+/// \file
+/// The version of the ui_core library a program runs with.
+
 #ifndef UI_CORE_VERSION_H
 #define UI_CORE_VERSION_H
 

@@ -35,5 +35,7 @@ ui_core_tool_test(node_path_german_message EXIT 1
   EXPECT "InvalidNodePath: 'a/' ist kein gültiger Knotenpfad\\."
   ENV "LC_ALL=de_DE.UTF-8"
   ARGS node-path a/)
-ui_core_tool_test(node_path_without_text_is_bad_usage EXIT 2
-  ARGS node-path)
+# Without a text the paths are read from standard input, one per line: an
+# empty input gives no output.
+ui_core_tool_test(node_path_without_text_reads_standard_input
+  OUT "^$" STDIN ${CMAKE_CURRENT_LIST_DIR}/data/text_empty.txt ARGS node-path)

@@ -36,8 +36,9 @@ ui_core_tool_test(object_path_names_only_partial
 ui_core_tool_test(object_path_names_only_accepts_names
   EXPECT "elements: 2\n.*text form: a/b\n"
   ARGS object-path --names-only a/b/)
-ui_core_tool_test(object_path_needs_a_text EXIT 2
-  ARGS object-path)
+ui_core_tool_test(object_path_without_text_reads_standard_input
+  OUT "^a//b/c\t2 elements: name 'a//b'; name 'c'\n$"
+  STDIN ${CMAKE_CURRENT_LIST_DIR}/data/object_path_line.txt ARGS object-path)
 ui_core_tool_test(subscript_values
   EXPECT "^count: 2\nvalues: 2 3\ntext form: //2, 3\nhash: [0-9]+\n$"
   ARGS subscript "// 2 ,3")

@@ -29,6 +29,10 @@ ui_core_tool_test(source_malformed_location_is_bad_usage EXIT 2
 ui_core_tool_test(source_location_numbers_are_checked EXIT 2
   EXPECT "whole numbers"
   ARGS source --location plant.ssc:x:5)
-ui_core_tool_test(source_needs_a_key EXIT 2 ARGS source)
+# Without a key the keys are read from standard input (none here).
+ui_core_tool_test(source_without_key_reads_standard_input
+  OUT "^$" STDIN ${CMAKE_CURRENT_LIST_DIR}/data/text_empty.txt ARGS source)
+ui_core_tool_test(source_one_key_option_or_inputs EXIT 2
+  EXPECT "not both" ARGS source --location a:1:1 b:2:2)
 ui_core_tool_test(source_takes_one_key EXIT 2 ARGS source --location a:1:1 --block b)
 ui_core_tool_test(source_open_dialog_needs_a_block EXIT 2 ARGS source --open-dialog)

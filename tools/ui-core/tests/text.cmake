@@ -19,7 +19,8 @@ ui_core_tool_test(block_path_without_model_leading_separator
   EXPECT "^Gain\n$" ARGS block-path-without-model /Gain)
 ui_core_tool_test(block_path_without_model_escaped_only
   EXPECT "^a//\n$" ARGS block-path-without-model a//)
-ui_core_tool_test(block_name_needs_a_path EXIT 2 ARGS block-name)
+ui_core_tool_test(block_name_without_path_reads_standard_input
+  OUT "^$" STDIN ${text_data}/text_empty.txt ARGS block-name)
 
 ui_core_tool_test(escape_xml_markup
   EXPECT "^&lt;a href=&quot;x&amp;y&quot;&gt;Größe ≤ 5 😀 it&apos;s&lt;/a&gt;\n$"

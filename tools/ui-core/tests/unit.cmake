@@ -42,5 +42,5 @@ ui_core_tool_test(unit_german_messages
   EXIT 1
   ENV "LC_ALL=de_DE.UTF-8"
   ARGS unit furlong)
-ui_core_tool_test(unit_without_expression_is_bad_usage EXIT 2
-  ARGS unit)
+ui_core_tool_test(unit_without_expression_reads_standard_input
+  OUT "^$" STDIN ${CMAKE_CURRENT_LIST_DIR}/data/text_empty.txt ARGS unit)

@@ -69,6 +69,11 @@ class RefCount {
 
   /// Drops one reference; true when it was the last, and the caller frees.
   [[nodiscard]] bool decrement() noexcept {
+    // The holder of the only reference frees without a read-modify-write: no
+    // other handle exists that could take or drop a reference meanwhile, and
+    // the acquire load orders the other handles' earlier releases before the
+    // free just as the last fetch_sub would.
+    if (is_one()) return true;
     // Release makes this handle's earlier reads and writes of the record happen
     // before the free; acquire (on the last decrement) makes every other
     // handle's release visible to the thread that frees.
@@ -76,6 +81,16 @@ class RefCount {
         1, Order == CountOrder::standard ? std::memory_order_acq_rel : std::memory_order_seq_cst);
     assert(before != 0 && "reference count underflow");
     return before == 1;
+  }
+
+  /// Drops `n` references at once; true when they were the last, and the
+  /// caller frees. The caller must hold all `n`.
+  [[nodiscard]] bool decrement(std::size_t n) noexcept {
+    if (count_.load(std::memory_order_acquire) == n) return true;  // as in decrement()
+    const std::size_t before = count_.fetch_sub(
+        n, Order == CountOrder::standard ? std::memory_order_acq_rel : std::memory_order_seq_cst);
+    assert(before >= n && "reference count underflow");
+    return before == n;
   }
 
   /// True when the caller's reference is the only one. Acquire pairs with the
@@ -158,6 +173,15 @@ class Cow {
     if (!rep_->count.is_one()) detach();
     return *rep_;
   }
+
+  /// The record, or null after a move; for the code that owns the record's
+  /// kind to inspect it.
+  [[nodiscard]] Rep* get() const noexcept { return rep_; }
+
+  /// Gives up the handle's reference without dropping it: returns the record
+  /// and leaves the handle empty (only destruction and assignment are allowed
+  /// then). The caller now owns that reference.
+  [[nodiscard]] Rep* release_record() noexcept { return std::exchange(rep_, nullptr); }
 
   /// True when both handles refer to one record.
   [[nodiscard]] bool shares_with(const Cow& other) const noexcept { return rep_ == other.rep_; }

@@ -1,0 +1,127 @@
+// line_io.h - fast line input, buffered output and a progress line
+//
+// The tool reads inputs of any size line by line and writes one result per
+// line. These classes keep that in constant memory (one buffer each, grown
+// only for a line longer than the buffer) and cheap per line: no iostreams, no
+// flush per line unless a person is watching the terminal.
+
+#ifndef UI_CORE_TOOL_LINE_IO_H
+#define UI_CORE_TOOL_LINE_IO_H
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "krel/ustring.h"
+
+namespace ui_core_tool {
+
+/// Decodes strict UTF-8 (no overlong forms, no surrogates, nothing above
+/// U+10FFFF) into `out`, replacing its content. Returns the offset of the
+/// first byte that does not start a valid sequence, or std::string_view::npos
+/// when the whole text is valid.
+std::size_t decode_utf8(std::string_view bytes, krel::ustring& out);
+
+/// The bytes with everything but printable ASCII written as \xNN, for
+/// showing an input that is not valid UTF-8.
+std::string printable(std::string_view bytes);
+
+/// A progress line on standard error ("\r<name>: 12.5 MiB / 1.0 GiB (1%),
+/// 345678 lines") for an input of known size, redrawn at most four times a
+/// second, and only when standard error is a terminal.
+class Progress {
+ public:
+  Progress(std::string name, std::uint64_t total_bytes, bool enabled);
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+  ~Progress();
+
+  /// Cheap enough to call for every line: the clock is read every 1024 calls.
+  void update(std::uint64_t bytes, std::uint64_t lines) {
+    if (enabled_ && (++calls_ & 1023U) == 0) draw_if_due(bytes, lines);
+  }
+  /// The same for a caller that reads in large chunks: reads the clock each time.
+  void update_chunk(std::uint64_t bytes, std::uint64_t lines) {
+    if (enabled_) draw_if_due(bytes, lines);
+  }
+  /// Removes the line, if drawn (before other output reaches the terminal).
+  void clear();
+
+ private:
+  void draw_if_due(std::uint64_t bytes, std::uint64_t lines);
+
+  std::string name_;
+  std::uint64_t total_;
+  bool enabled_;
+  bool shown_ = false;
+  std::uint32_t calls_ = 0;
+  std::chrono::steady_clock::time_point next_;
+};
+
+/// Reads a file descriptor line by line through one buffer (1 MiB, grown only
+/// for a longer line). A line ends at '\n', which is not part of it, nor is a
+/// '\r' just before it; the last line needs no '\n'.
+class LineReader {
+ public:
+  explicit LineReader(int fd);
+
+  /// The next line; false at the end of the input or on a read error (then
+  /// error() is the errno). The view lasts until the next call.
+  bool next(std::string_view& line);
+
+  [[nodiscard]] std::uint64_t bytes() const noexcept { return consumed_; }
+  [[nodiscard]] std::uint64_t lines() const noexcept { return lines_; }
+  [[nodiscard]] int error() const noexcept { return error_; }
+  /// How many reads brought data: a change means time may have passed.
+  [[nodiscard]] std::uint64_t fills() const noexcept { return fills_; }
+
+ private:
+  bool fill();
+
+  int fd_;
+  std::vector<char> buffer_;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  std::uint64_t consumed_ = 0;
+  std::uint64_t lines_ = 0;
+  std::uint64_t fills_ = 0;
+  bool at_end_ = false;
+  int error_ = 0;
+};
+
+/// Buffered writing to a file descriptor: results are appended to text() and
+/// written out in blocks of 256 KiB, or after every record when the
+/// descriptor is a terminal, so that a person sees each result at once.
+class Output {
+ public:
+  explicit Output(int fd, Progress* progress = nullptr);
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+  ~Output();
+
+  [[nodiscard]] std::string& text() noexcept { return buffer_; }
+  /// Ends one record: writes the buffer when it is large or interactive.
+  void commit() {
+    if (interactive_ || buffer_.size() >= flush_size) flush();
+  }
+  /// Writes everything buffered; false when writing failed.
+  bool flush();
+  /// Removes the progress line before something else is written to stderr.
+  void make_way() {
+    if (progress_ != nullptr) progress_->clear();
+  }
+
+ private:
+  static constexpr std::size_t flush_size = std::size_t{1} << 18;
+  int fd_;
+  Progress* progress_;
+  bool interactive_;
+  bool failed_ = false;
+  std::string buffer_;
+};
+
+}  // namespace ui_core_tool
+
+#endif  // UI_CORE_TOOL_LINE_IO_H
