@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
+#include <memory>
 #include <vector>
 
 #include "ui/core/indexing.h"
@@ -118,5 +119,37 @@ void IndToSub_plain(benchmark::State& state) {
   }
 }
 BENCHMARK(IndToSub_plain)->ArgsProduct({{2, 3, 5}, {0, 1}});
+
+// The floor of sub_to_ind: what its by-value interface costs before any
+// arithmetic: the caller's copies of the two parameters and the copy of the
+// size that the returned index carries.
+void SubToInd_floor(benchmark::State& state) {
+  const Workload& w = workload(static_cast<std::size_t>(state.range(0)));
+  std::size_t i = 0;
+  for (auto _ : state) {
+    ObjectPathSubscript sub = w.subscripts[i];  // the by-value parameter
+    krel::ArraySize size = w.size;              // the by-value parameter
+    benchmark::DoNotOptimize(&sub);
+    lang::core::PathElementIndex index(i, size);  // the result holds the size
+    benchmark::DoNotOptimize(index.index());
+    i = (i + 1) % cases;
+  }
+}
+BENCHMARK(SubToInd_floor)->Arg(2)->Arg(3)->Arg(5);
+
+// The floor of ind_to_sub: the subscript it returns is a new shared record,
+// one allocation (two past four dimensions), freed when the result is dropped.
+void IndToSub_floor(benchmark::State& state) {
+  const Workload& w = workload(static_cast<std::size_t>(state.range(0)), state.range(1) != 0);
+  std::size_t i = 0;
+  for (auto _ : state) {
+    const std::vector<std::size_t>& s = w.raw[i];
+    std::unique_ptr<ui::core::detail::ObjectPathSubscriptRep> record(
+        new ui::core::detail::ObjectPathSubscriptRep(s.size(), s.data(), s.size()));
+    benchmark::DoNotOptimize(record.get());
+    i = (i + 1) % cases;
+  }
+}
+BENCHMARK(IndToSub_floor)->ArgsProduct({{2, 3, 5}, {0, 1}});
 
 }  // namespace

@@ -211,6 +211,32 @@ void ObjectPath_scaling(benchmark::State& state) {
 }
 BENCHMARK(ObjectPath_scaling)->RangeMultiplier(10)->Range(10, 100000);
 
+// Object path texts split by hand at the same separators into a vector of
+// strings: the memory cost of a long path that any representation pays.
+void ObjectPath_hand_split_scaling(benchmark::State& state) {
+  const std::u16string text =
+      bench::long_object_path_text(static_cast<std::size_t>(state.range(0)));
+  for (auto _ : state) {
+    std::vector<std::u16string> segments;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (text[i] != u'/') continue;
+      std::size_t run = i;
+      while (run < text.size() && text[run] == u'/') ++run;
+      if ((run - i) % 2 != 0) {  // an odd run: its first "/" separates
+        segments.emplace_back(text, start, i - start);
+        start = i + 1;
+      }
+      i = run - 1;
+    }
+    segments.emplace_back(text, start, text.size() - start);
+    benchmark::DoNotOptimize(segments.size());
+  }
+  state.SetBytesProcessed(
+      static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
+}
+BENCHMARK(ObjectPath_hand_split_scaling)->RangeMultiplier(10)->Range(10, 100000);
+
 // Appending n elements one by one: the time per element (items_per_second)
 // should not fall as n grows.
 void ObjectPath_append(benchmark::State& state) {

@@ -105,6 +105,19 @@ def main():
             row(f"ind_to_sub, {d} dimensions, huge vs small indices", f"{r:.2f}x",
                 "within 25 %", abs(r - 1) <= 0.25)
 
+    for d in ("2", "3", "5"):
+        k, f = f"SubToInd_kernel/{d}", f"SubToInd_floor/{d}"
+        if have(k, f):
+            row(f"sub_to_ind, {d} dimensions, above its interface's floor",
+                f"{ns(m[k]) - ns(m[f]):.1f} ns", "(for reference)", True,
+                f"floor (by-value copies, result) {ns(m[f]):.1f} ns")
+        for mag in ("0", "1"):
+            k, f = f"IndToSub_kernel/{d}/{mag}", f"IndToSub_floor/{d}/{mag}"
+            if have(k, f):
+                row(f"ind_to_sub, {d} dimensions, above its result's floor",
+                    f"{ns(m[k]) - ns(m[f]):.1f} ns", "(for reference)", True,
+                    f"floor (the result's record) {ns(m[f]):.1f} ns")
+
     for k in ("CreateSource_location", "CreateSource_block"):
         if have(k):
             t = ns(m[k])
@@ -113,12 +126,13 @@ def main():
     for family, counter in (("NodePath_scaling", "bytes_per_second"),
                             ("NodePath_hand_split_scaling", "bytes_per_second"),
                             ("ObjectPath_scaling", "bytes_per_second"),
+                            ("ObjectPath_hand_split_scaling", "bytes_per_second"),
                             ("ObjectPath_append", "items_per_second")):
         rates = {n.split("/")[1]: b[counter] for n, b in m.items() if n.startswith(family + "/")}
         if len(rates) >= 2:
             r = max(rates.values()) / min(rates.values())
             what = "code unit" if counter == "bytes_per_second" else "element"
-            reference = family == "NodePath_hand_split_scaling"
+            reference = "hand_split" in family
             row(f"{family}: time per {what}, 10 to 100,000", f"{r:.2f}x spread",
                 "(for reference)" if reference else "<= 1.25x", reference or r <= 1.25, ", ".join(f"{n}: {v / 1e6:.0f}M/s" for n, v in sorted(
                     rates.items(), key=lambda kv: int(kv[0]))))

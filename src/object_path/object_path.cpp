@@ -1,62 +1,90 @@
 #include "ui/core/object_path.h"
 
+#include <cassert>
 #include <optional>
 #include <ostream>
-#include <string_view>
 
 #include "krel/ustring.h"
-#include "slash_runs_impl.h"
+#include "object_path_impl.h"
 #include "ui/core/detail/errors.h"
 
 namespace ui::core {
+
+namespace detail {
+
+// The parsers' access to a path's block of elements.
+struct ObjectPathBuilder {
+  static void reserve(ObjectPath& path, std::size_t n) { path.elements_.reserve(n); }
+  static void push_back(ObjectPath& path, ObjectPathElement&& e) {
+    path.elements_.push_back(std::move(e));
+  }
+};
+
+}  // namespace detail
+
 namespace {
 
-// The end of the segment that starts at p: the position of the "/" that
-// separates it from the next segment, or the text's length. Runs of "/" are
-// read as the grammar in the header says: an even run that does not reach the
-// end belongs to the segment.
-std::size_t segment_end(std::u16string_view text, std::size_t p) noexcept {
-  const std::size_t n = text.size();
-  std::size_t q = p;
-  for (;;) {
-    const std::size_t i = text.find(u'/', q);
-    if (i == std::u16string_view::npos) return n;
-    if (i + 1 == n) return i;
-    const std::size_t j = detail::slash_run_end(text, i);
-    if (j == n || (j - i) % 2 != 0) return i;
-    q = j;
-  }
-}
+// Which elements a parse accepts.
+enum class Accept { names_and_subscripts, names };
 
-// The loop shared by the partial parsers: cuts segments, turns each into an
-// element with `make`, and stops at the first segment that gives none. With
-// `forbid_adjacent_subscripts`, a subscript right after a subscript throws
+// The loop shared by the parsers: turns each segment into an element, and
+// stops at the first segment that gives none. Returns the position of that
+// segment, or the text's length when all of it parsed. With
+// names_and_subscripts, a subscript right after a subscript throws
 // InvalidObjectPath with the whole text.
-template <class Make>
-std::pair<ObjectPath, ustring> parse_partial(const ustring& text, Make make,
-                                             bool forbid_adjacent_subscripts) {
-  ObjectPath path;
-  const std::u16string_view view(text);
-  std::size_t p = 0;
-  while (p < view.size()) {
-    const std::size_t e = segment_end(view, p);
-    std::optional<ObjectPathElement> element = make(ustring(view.substr(p, e - p)));
-    if (!element) return {std::move(path), ustring(view.substr(p))};
-    if (forbid_adjacent_subscripts && element->id() == ObjectPathElement::subscript_kind &&
-        !path.empty() && path.back().id() == ObjectPathElement::subscript_kind) {
-      detail::throw_message(detail::invalid_object_path(text));
+//
+// A segment that is not empty and does not begin with "/" always meets the
+// name rule: the separators leave only even runs of "/" inside a segment, none
+// at its end. So a name is not checked again, only copied.
+template <Accept accept>
+std::size_t parse_into(ObjectPath& path, const ustring& text) {
+  const char16_t* const begin = text.data();
+  const char16_t* const end = begin + text.size();
+  if (begin == end) return 0;
+  // The block of elements is allocated once: one segment more than there are
+  // separators, at most (a separator at the very end starts none).
+  detail::ObjectPathBuilder::reserve(path, detail::count_separators(begin, end) + 1);
+  detail::SeparatorScanner separators(begin, end);
+  bool after_subscript = false;
+  const char16_t* p = begin;
+  for (;;) {
+    bool reaches_end = false;
+    const char16_t* const separator = separators.next(reaches_end);
+    const bool last = separator == nullptr;
+    const char16_t* const e = last ? end : separator;
+    const auto n = static_cast<std::size_t>(e - p);
+    if (n == 0) break;  // neither a name nor a subscript
+    if (*p != u'/') {
+      assert(detail::meets_name_rule(p, n) && "the separators leave valid names");
+      detail::ObjectPathBuilder::push_back(path,
+                                           ObjectPathElement(detail::make_checked_name(p, n)));
+      after_subscript = false;
+    } else {
+      if constexpr (accept == Accept::names) break;
+      std::optional<ObjectPathSubscript> subscript = detail::parse_subscript(p, n);
+      if (!subscript) break;
+      if (after_subscript) detail::throw_message(detail::invalid_object_path(text));
+      detail::ObjectPathBuilder::push_back(path, ObjectPathElement(std::move(*subscript)));
+      after_subscript = true;
     }
-    path.push_back(*element);
+    if (last) return text.size();
     // Exactly one "/" is consumed as the separator.
     p = e + 1;
+    if (reaches_end) {
+      // After the first "/" of a run that reaches the end, what is left is
+      // nothing (a single trailing "/" is dropped) or only "/": an empty
+      // segment, which stops the parse.
+      break;
+    }
   }
-  return {std::move(path), ustring()};
+  return static_cast<std::size_t>(p - begin);
 }
 
-std::optional<ObjectPathElement> make_name_element(const ustring& segment) {
-  std::optional<ObjectPathName> name = ObjectPathName::make(segment);
-  if (!name) return std::nullopt;
-  return ObjectPathElement(std::move(*name));
+template <Accept accept>
+std::pair<ObjectPath, ustring> parse_partial(const ustring& text) {
+  ObjectPath path;
+  const std::size_t stop = parse_into<accept>(path, text);
+  return {std::move(path), text.substr(stop)};
 }
 
 }  // namespace
@@ -88,22 +116,26 @@ std::ostream& operator<<(std::ostream& os, const ObjectPath& path) {
 }
 
 std::pair<ObjectPath, ustring> to_partial_path(const ustring& text) {
-  return parse_partial(text, make_element, true);
+  return parse_partial<Accept::names_and_subscripts>(text);
 }
 
 ObjectPath to_object_path(const ustring& text) {
-  auto [path, rest] = to_partial_path(text);
-  if (!rest.empty()) detail::throw_message(detail::invalid_object_path(text));
+  ObjectPath path;
+  if (parse_into<Accept::names_and_subscripts>(path, text) != text.size()) {
+    detail::throw_message(detail::invalid_object_path(text));
+  }
   return path;
 }
 
 std::pair<ObjectPath, ustring> to_partial_name_path(const ustring& text) {
-  return parse_partial(text, make_name_element, false);
+  return parse_partial<Accept::names>(text);
 }
 
 ObjectPath to_name_path(const ustring& text) {
-  auto [path, rest] = to_partial_name_path(text);
-  if (!rest.empty()) detail::throw_message(detail::invalid_node_path(text));
+  ObjectPath path;
+  if (parse_into<Accept::names>(path, text) != text.size()) {
+    detail::throw_message(detail::invalid_node_path(text));
+  }
   return path;
 }
 

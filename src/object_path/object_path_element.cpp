@@ -11,31 +11,14 @@
 #include <boost/container_hash/hash.hpp>
 
 #include "krel/ustring.h"
+#include "object_path_impl.h"
 
 namespace ui::core {
-
-namespace detail {
-
-// What the element operations need of a subscript's record beyond its public
-// interface: the hash cache, and write access for strip_annotation_inplace.
-struct ObjectPathSubscriptAccess {
-  static const ObjectPathSubscriptRep& read(const ObjectPathSubscript& s) noexcept {
-    return s.rep_.read();
-  }
-  // Makes the subscript sole owner of its record first (Cow::write() is the
-  // only place that detaches).
-  static ObjectPathSubscriptRep& write(ObjectPathSubscript& s) { return s.rep_.write(); }
-};
-
-}  // namespace detail
 
 namespace {
 
 using Access = detail::ObjectPathSubscriptAccess;
 
-[[noreturn]] void throw_bad_visit() {
-  throw std::logic_error("bad visit");
-}
 [[noreturn]] void throw_invalid_visit() {
   throw std::logic_error("invalid visit");
 }
@@ -57,17 +40,12 @@ std::size_t name_hash(const ObjectPathName& name) noexcept {
   return h;
 }
 
-std::size_t subscript_hash(const ObjectPathSubscript& subscript) noexcept {
-  const detail::ObjectPathSubscriptRep& rep = Access::read(subscript);
-  // The cache is 0 until the first hash; a content hash that happens to be 0
-  // is simply computed again. Threads that hash one record at once compute and
-  // store the same value.
-  std::size_t h = rep.hash_cache.load(std::memory_order_relaxed);
-  if (h != 0) return h;
-  h = combine(0, rep.size);
+// The whole element hash of a subscript element, the kind mixed in: the
+// content hash combined with the kind index 0.
+std::size_t subscript_element_hash(const detail::ObjectPathSubscriptRep& rep) noexcept {
+  std::size_t h = combine(0, rep.size);
   h = combine(h, krel::hash_value(rep.subscripts));
-  rep.hash_cache.store(h, std::memory_order_relaxed);
-  return h;
+  return combine(h, ObjectPathElement::subscript_kind);
 }
 
 int three_way_names(const ObjectPathName& a, const ObjectPathName& b) noexcept {
@@ -100,61 +78,13 @@ void feed(std::function<void(const char*, unsigned long)>& sink, std::uint64_t v
 
 ObjectPathElement::ObjectPathElement() : ObjectPathElement(ObjectPathSubscript()) {}
 
-ObjectPathElement::ObjectPathElement(ObjectPathSubscript subscript) noexcept
-    : kind_(subscript_kind) {
-  std::construct_at(&storage_.subscript, std::move(subscript));
-}
-
-ObjectPathElement::ObjectPathElement(ObjectPathName name) noexcept : kind_(name_kind) {
-  std::construct_at(&storage_.name, std::move(name));
-}
-
-ObjectPathElement::ObjectPathElement(const ObjectPathElement& other) : kind_(other.kind_) {
-  switch (kind_) {
-    case subscript_kind:
-      std::construct_at(&storage_.subscript, other.storage_.subscript);
-      break;
-    case name_kind:
-      std::construct_at(&storage_.name, other.storage_.name);
-      break;
-    default:
-      throw_bad_visit();
-  }
-}
-
-ObjectPathElement::ObjectPathElement(ObjectPathElement&& other) : kind_(other.kind_) {
-  switch (kind_) {
-    case subscript_kind:
-      std::construct_at(&storage_.subscript, std::move(other.storage_.subscript));
-      break;
-    case name_kind:
-      std::construct_at(&storage_.name, std::move(other.storage_.name));
-      break;
-    default:
-      throw_bad_visit();
-  }
-}
-
 ObjectPathElement& ObjectPathElement::operator=(ObjectPathElement other) noexcept {
   swap(other);
   return *this;
 }
 
-ObjectPathElement::~ObjectPathElement() {
-  destroy_value();
-}
-
-void ObjectPathElement::destroy_value() noexcept {
-  switch (kind_) {
-    case subscript_kind:
-      std::destroy_at(&storage_.subscript);
-      break;
-    case name_kind:
-      std::destroy_at(&storage_.name);
-      break;
-    default:
-      break;  // a broken element holds nothing
-  }
+void ObjectPathElement::throw_bad_visit() {
+  throw std::logic_error("bad visit");
 }
 
 void ObjectPathElement::relocate(Storage& to, std::size_t kind, Storage& from) noexcept {
@@ -196,16 +126,19 @@ bool operator==(const ObjectPathElement& a, const ObjectPathElement& b) {
   throw_invalid_visit();
 }
 
-std::size_t hash_value(const ObjectPathElement& e) {
-  std::size_t h = 0;
+std::size_t detail::computed_hash(const ObjectPathElement& e) {
   if (const auto* s = e.as_subscript()) {
-    h = subscript_hash(*s);
-  } else if (const auto* n = e.as_name()) {
-    h = name_hash(*n);
-  } else {
-    throw_invalid_visit();
+    const detail::ObjectPathSubscriptRep& rep = Access::read(*s);
+    // The record caches the element hash itself, so that hash_value reads a
+    // cached hash with one load. The cache is 0 until the first hash; a hash
+    // that happens to be 0 is simply computed again. Threads that hash one
+    // record at once compute and store the same value.
+    const std::size_t h = subscript_element_hash(rep);
+    rep.hash_cache.store(h, std::memory_order_relaxed);
+    return h;
   }
-  return combine(h, e.id());
+  if (const auto* n = e.as_name()) return combine(name_hash(*n), ObjectPathElement::name_kind);
+  throw_invalid_visit();
 }
 
 void incorporate_data(std::function<void(const char*, unsigned long)>& sink,
@@ -250,13 +183,13 @@ ustring to_string(const ObjectPathElement& e) {
 std::optional<ObjectPathElement> make_element(const ustring& text) {
   // A name never begins with "/", so such a text is tried as a subscript only.
   if (!text.empty() && text.front() == u'/') {
-    std::optional<ObjectPathSubscript> subscript = ObjectPathSubscript::make(text);
+    std::optional<ObjectPathSubscript> subscript =
+        detail::parse_subscript(text.data(), text.size());
     if (!subscript) return std::nullopt;
     return ObjectPathElement(std::move(*subscript));
   }
-  std::optional<ObjectPathName> name = ObjectPathName::make(text);
-  if (!name) return std::nullopt;
-  return ObjectPathElement(std::move(*name));
+  if (!detail::meets_name_rule(text.data(), text.size())) return std::nullopt;
+  return ObjectPathElement(detail::make_checked_name(text.data(), text.size()));
 }
 
 std::ostream& operator<<(std::ostream& os, const ObjectPathElement& e) {

@@ -1,14 +1,13 @@
 #include "ui/core/object_path_subscript.h"
 
+#include <algorithm>
 #include <cassert>
-#include <limits>
 #include <ostream>
 #include <string>
 #include <type_traits>
 
-#include <boost/numeric/conversion/cast.hpp>
-
 #include "krel/ustring.h"
+#include "object_path_impl.h"
 #include "ui/core/detail/errors.h"
 
 namespace ui::core {
@@ -17,46 +16,14 @@ namespace {
 // krel::ArraySize stores size_t; the values are handed over as they are.
 static_assert(std::is_same_v<unsigned long, std::size_t>);
 
-// Reads one trimmed piece as a decimal value of 1 or more; nothing for any
-// other piece.
-std::optional<unsigned long> parse_value(const std::string& piece) {
-  if (piece.empty()) return std::nullopt;
-  // Beyond this bound, value * 10 no longer fits in 64 bits.
-  constexpr unsigned long bound = 0x1999999999999999UL;
-  constexpr unsigned long max = std::numeric_limits<unsigned long>::max();
-  unsigned long value = 0;
-  for (char c : piece) {
-    if (c < '0' || c > '9') return std::nullopt;
-    if (value > bound) return std::nullopt;
-    // A checked conversion: a digit is never negative, so it cannot throw.
-    const unsigned long digit = boost::numeric_cast<unsigned long>(static_cast<int>(c - '0'));
-    if (value * 10 > max - digit) return std::nullopt;
-    value = value * 10 + digit;
-  }
-  if (value == 0) return std::nullopt;  // subscripts are 1-based
-  return value;
-}
-
-// The one parser behind the text constructor and make(): the values of a
-// subscript text, or nothing when the text does not parse.
-std::optional<std::vector<unsigned long>> parse_subscript(const ustring& text) {
-  if (text.size() < 2 || text[0] != u'/' || text[1] != u'/') return std::nullopt;
-  if (!krel::is_ascii_string(text)) return std::nullopt;
-  std::string narrow;
-  narrow.reserve(text.size() - 2);
-  for (std::size_t i = 2; i < text.size(); ++i) narrow += static_cast<char>(text[i]);
-  // Empty pieces are kept, so "//1,,2", "//1," and "//" are refused below.
-  std::vector<unsigned long> values;
-  for (const std::string& piece : krel::tokenize(narrow, ",")) {
-    const std::optional<unsigned long> value = parse_value(krel::trim(piece));
-    if (!value) return std::nullopt;
-    values.push_back(*value);
-  }
-  return values;
-}
-
 krel::ArraySize to_array_size(const std::vector<unsigned long>& values) {
   return krel::ArraySize(values.data(), values.size());
+}
+
+// True when some stored value is 0: the product of the values is 0 exactly
+// then, so this is the invariant's test without the product.
+bool has_zero(const krel::ArraySize& values) noexcept {
+  return std::find(values.begin(), values.end(), std::size_t{0}) != values.end();
 }
 
 }  // namespace
@@ -66,7 +33,7 @@ ObjectPathSubscript::ObjectPathSubscript()
 
 ObjectPathSubscript::ObjectPathSubscript(unsigned long count, krel::ArraySize subscripts)
     : rep_([&] {
-        if (subscripts.numElements() == 0) {
+        if (has_zero(subscripts)) {
           detail::throw_message(detail::invalid_object_path_subscript());
         }
         return krel::Cow<detail::ObjectPathSubscriptRep>::make(count, std::move(subscripts));
@@ -79,15 +46,14 @@ ObjectPathSubscript::ObjectPathSubscript(const std::vector<unsigned long>& value
 
 ObjectPathSubscript::ObjectPathSubscript(const ustring& text)
     : ObjectPathSubscript([&] {
-        std::optional<std::vector<unsigned long>> values = parse_subscript(text);
-        if (!values) detail::throw_message(detail::invalid_object_path_subscript_string(text));
-        return std::move(*values);
+        std::optional<ObjectPathSubscript> parsed =
+            detail::parse_subscript(text.data(), text.size());
+        if (!parsed) detail::throw_message(detail::invalid_object_path_subscript_string(text));
+        return std::move(*parsed);
       }()) {}
 
 std::optional<ObjectPathSubscript> ObjectPathSubscript::make(const ustring& text) {
-  const std::optional<std::vector<unsigned long>> values = parse_subscript(text);
-  if (!values) return std::nullopt;
-  return ObjectPathSubscript(*values);
+  return detail::parse_subscript(text.data(), text.size());
 }
 
 ObjectPathSubscript::operator std::vector<unsigned long>() const {

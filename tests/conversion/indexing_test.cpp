@@ -236,6 +236,27 @@ TEST(IndToSub, SubscriptPastSixtyFourBitsIsRefusedBySubscript) {
             u"//2, 9223372036854775808");
 }
 
+TEST(IndToSub, ManyDimensionsWorkLikeFew) {
+  // More dimensions than the conversion keeps on the stack, with a zero-length
+  // one among them, and the round trip through sub_to_ind.
+  for (std::size_t dims : {15u, 16u, 17u, 40u}) {
+    std::vector<std::size_t> lengths(dims, 2);
+    const krel::ArraySize size(lengths.data(), lengths.size());
+    const std::size_t last = (std::size_t{1} << dims) - 1;  // the last element
+    const ObjectPathSubscript s = ind_to_sub(PathElementIndex(last, size));
+    ASSERT_EQ(s.size(), dims);
+    for (std::size_t k = 0; k < dims; ++k) EXPECT_EQ(s(k), 2u) << "dimension " << k;
+    EXPECT_EQ(sub_to_ind(s, size).index(), last);
+    lengths[dims / 2] = 0;
+    const krel::ArraySize empty(lengths.data(), lengths.size());
+    const ObjectPathSubscript z = ind_to_sub(PathElementIndex(5, empty));
+    EXPECT_EQ(z(0), 2u);
+    EXPECT_EQ(z(1), 1u);
+    EXPECT_EQ(z(2), 2u);
+    EXPECT_EQ(z(dims - 1), 1u);
+  }
+}
+
 krel::ArraySize random_size(std::mt19937& rng, std::size_t max_dim) {
   const std::size_t dims = 1 + rng() % 5;
   std::vector<std::size_t> values(dims);

@@ -28,6 +28,10 @@
 // return the elements so far with the unparsed rest of the text; the complete
 // parsers throw when anything is left.
 
+/// \file
+/// Paths of names and subscripts inside an object.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_OBJECT_PATH_H
 #define UI_CORE_OBJECT_PATH_H
 
@@ -41,10 +45,15 @@
 
 namespace ui::core {
 
+namespace detail {
+struct ObjectPathBuilder;
+}
+
 /// A sequence of names and subscripts.
 ///
-/// The parsers never put two subscripts next to each other; push_back, /= and
-/// / join without that check.
+/// Invariant: every element is a valid name or subscript, checked when it was
+/// made. The parsers never put two subscripts next to each other; push_back,
+/// /= and / join without that check.
 /// Ownership: a handle to a shared block of elements (krel::SharedVector);
 /// copying copies one pointer, and a change copies the elements first when the
 /// block is shared, so a copy never sees later changes to the original.
@@ -52,27 +61,41 @@ namespace ui::core {
 /// single path is like an int (many readers, or one writer).
 class ObjectPath {
  public:
+  /// The member types of a standard container of elements; iterators are
+  /// pointers to const elements.
+  /// @{
   using value_type = ObjectPathElement;
   using size_type = std::size_t;
   using const_iterator = const ObjectPathElement*;
   using iterator = const_iterator;
+  /// @}
 
   /// The empty path; allocates nothing.
   ObjectPath() noexcept = default;
+  /// The path of these elements, in order.
   ObjectPath(std::initializer_list<ObjectPathElement> elements) : elements_(elements) {}
 
+  /// The number of elements, and whether there are none.
+  /// @{
   [[nodiscard]] size_type size() const noexcept { return elements_.size(); }
   [[nodiscard]] bool empty() const noexcept { return elements_.empty(); }
+  /// @}
+  /// The first element and one past the last.
+  /// @{
   [[nodiscard]] const_iterator begin() const noexcept { return elements_.begin(); }
   [[nodiscard]] const_iterator end() const noexcept { return elements_.end(); }
+  /// @}
   /// Element i, for i < size().
   [[nodiscard]] const ObjectPathElement& operator[](size_type i) const noexcept {
     return elements_[i];
   }
   /// Element i; throws std::out_of_range when i >= size().
   [[nodiscard]] const ObjectPathElement& at(size_type i) const { return elements_.at(i); }
+  /// The first and the last element; the path must not be empty.
+  /// @{
   [[nodiscard]] const ObjectPathElement& front() const noexcept { return elements_.front(); }
   [[nodiscard]] const ObjectPathElement& back() const noexcept { return elements_.back(); }
+  /// @}
 
   /// Appends a copy of `e` (which may be an element of this path).
   void push_back(const ObjectPathElement& e) { elements_.push_back(e); }
@@ -96,6 +119,9 @@ class ObjectPath {
   }
 
  private:
+  // The parsers, which reserve the block once before they fill it.
+  friend struct detail::ObjectPathBuilder;
+
   krel::SharedVector<ObjectPathElement> elements_;
 };
 

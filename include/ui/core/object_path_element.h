@@ -20,13 +20,19 @@
 //              stored positions of the values (krel::ArraySize::size())  8 bytes
 //              each stored value, first to last                          8 bytes
 
+/// \file
+/// One step of an object path: a name or a subscript.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_OBJECT_PATH_ELEMENT_H
 #define UI_CORE_OBJECT_PATH_ELEMENT_H
 
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include "ui/core/object_path_name.h"
 #include "ui/core/object_path_subscript.h"
@@ -53,17 +59,44 @@ class ObjectPathElement {
   /// The default subscript //1, kind 0.
   ObjectPathElement();
   /// Kind 0; takes the subscript over.
-  ObjectPathElement(ObjectPathSubscript subscript) noexcept;
+  ObjectPathElement(ObjectPathSubscript subscript) noexcept : kind_(subscript_kind) {
+    std::construct_at(&storage_.subscript, std::move(subscript));
+  }
   /// Kind 1; takes the name over.
-  ObjectPathElement(ObjectPathName name) noexcept;
+  ObjectPathElement(ObjectPathName name) noexcept : kind_(name_kind) {
+    std::construct_at(&storage_.name, std::move(name));
+  }
 
-  ObjectPathElement(const ObjectPathElement& other);
-  ObjectPathElement(ObjectPathElement&& other);
+  // Copies, moves and destruction are inline: paths copy and destroy their
+  // elements in bulk, and each of these is one reference count change.
+  /// Copies or moves the value and its kind. Throws
+  /// std::logic_error("bad visit") when `other` is broken.
+  /// @{
+  ObjectPathElement(const ObjectPathElement& other) : kind_(other.kind_) {
+    if (kind_ == name_kind) {
+      std::construct_at(&storage_.name, other.storage_.name);
+    } else if (kind_ == subscript_kind) {
+      std::construct_at(&storage_.subscript, other.storage_.subscript);
+    } else {
+      throw_bad_visit();
+    }
+  }
+  ObjectPathElement(ObjectPathElement&& other) : kind_(other.kind_) {
+    if (kind_ == name_kind) {
+      std::construct_at(&storage_.name, std::move(other.storage_.name));
+    } else if (kind_ == subscript_kind) {
+      std::construct_at(&storage_.subscript, std::move(other.storage_.subscript));
+    } else {
+      throw_bad_visit();
+    }
+  }
+  /// @}
   /// Copy and swap: `other` is copied or moved in first, so a failure leaves
   /// this element unchanged.
   ObjectPathElement& operator=(ObjectPathElement other) noexcept;
-  ~ObjectPathElement();
+  ~ObjectPathElement() { destroy_value(); }
 
+  /// Exchanges the values and kinds of the two elements.
   void swap(ObjectPathElement& other) noexcept;
 
   /// The kind index: 0 subscript, 1 name.
@@ -78,8 +111,11 @@ class ObjectPathElement {
     return kind_ == name_kind ? &storage_.name : nullptr;
   }
 
+  /// The kind indices that id() gives for a subscript and for a name.
+  /// @{
   static constexpr std::size_t subscript_kind = 0;
   static constexpr std::size_t name_kind = 1;
+  /// @}
 
  private:
   friend struct detail::ObjectPathElementAccess;
@@ -96,7 +132,17 @@ class ObjectPathElement {
   // Moves the value of kind `kind` from `from` into the empty `to` and leaves
   // `from` empty.
   static void relocate(Storage& to, std::size_t kind, Storage& from) noexcept;
-  void destroy_value() noexcept;
+  void destroy_value() noexcept {
+    if (kind_ == name_kind) {
+      std::destroy_at(&storage_.name);
+    } else if (kind_ == subscript_kind) {
+      std::destroy_at(&storage_.subscript);
+    }
+    // A broken element holds nothing.
+  }
+  // Throws std::logic_error("bad visit"), for copies and moves of a broken
+  // element; out of line, so that the inline copies stay small.
+  [[noreturn]] static void throw_bad_visit();
 
   Storage storage_;
   std::size_t kind_;
@@ -112,9 +158,32 @@ class ObjectPathElement {
 /// ObjectPathSubscript::equivalent).
 [[nodiscard]] bool operator==(const ObjectPathElement& a, const ObjectPathElement& b);
 
+namespace detail {
+
+/// The element hash computed from the value; for a subscript it is also
+/// stored in the record's cache. Internal: use hash_value.
+[[nodiscard]] std::size_t computed_hash(const ObjectPathElement& e);
+
+/// Reads the element hash cached in a subscript's record: 0 until the first
+/// hash. Internal: use hash_value.
+struct ObjectPathSubscriptHashCache {
+  [[nodiscard]] static std::size_t load(const ObjectPathSubscript& s) noexcept {
+    return s.rep_.read().hash_cache.load(std::memory_order_relaxed);
+  }
+};
+
+}  // namespace detail
+
 /// A 64-bit hash built with boost::hash_combine, consistent with operator==.
-/// A subscript's content hash is cached in its record after the first call.
-[[nodiscard]] std::size_t hash_value(const ObjectPathElement& e);
+/// A subscript element's hash is cached in its record after the first call,
+/// so that hashing it again is one load, inline.
+[[nodiscard]] inline std::size_t hash_value(const ObjectPathElement& e) {
+  if (const ObjectPathSubscript* s = e.as_subscript()) {
+    const std::size_t cached = detail::ObjectPathSubscriptHashCache::load(*s);
+    if (cached != 0) return cached;
+  }
+  return detail::computed_hash(e);
+}
 
 /// Feeds the element's identity to `sink`, in the byte stream shown at the top
 /// of this file. An empty sink throws std::bad_function_call.
@@ -154,8 +223,10 @@ struct ObjectPathElementAccess {
 }  // namespace detail
 }  // namespace ui::core
 
+/// Lets elements key unordered containers, with the hash of hash_value.
 template <>
 struct std::hash<ui::core::ObjectPathElement> {
+  /// ui::core::hash_value(e).
   std::size_t operator()(const ui::core::ObjectPathElement& e) const {
     return ui::core::hash_value(e);
   }

@@ -19,12 +19,17 @@
 //   ui::core::ObjectPathName::make(u"a/b");    // std::nullopt: a lone "/"
 //   ui::core::ObjectPathName bad(u"a/");       // throws InvalidObjectPathName
 
+/// \file
+/// The named steps of object paths.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_OBJECT_PATH_NAME_H
 #define UI_CORE_OBJECT_PATH_NAME_H
 
 #include <cstddef>
 #include <iosfwd>
 #include <optional>
+#include <utility>
 
 #include "krel/table_string.h"
 #include "ui/core/errors.h"
@@ -32,6 +37,8 @@
 namespace ui::core {
 
 namespace detail {
+
+struct ObjectPathNameAccess;
 
 /// Validates and cleans the text of an object path name. Stateless.
 struct ObjectPathNameCheck {
@@ -46,7 +53,8 @@ struct ObjectPathNameCheck {
 /// One named step of an object path; see the top of this file for the rule.
 ///
 /// Invariant: the text is never empty and always meets the name rule, already
-/// cleaned; every ObjectPathName that exists has passed ObjectPathNameCheck.
+/// cleaned; every ObjectPathName that exists has passed ObjectPathNameCheck or
+/// the path parsers, which apply the same rule to each segment they cut.
 /// Ownership: holds a krel::BasicTableString, so copies share the text, which
 /// never changes. Threads: an immutable value; copies may be used on any
 /// threads at once.
@@ -63,11 +71,14 @@ class ObjectPathName {
   /// The stored, cleaned text.
   [[nodiscard]] const krel::BasicTableString<char16_t>& text() const noexcept { return text_; }
 
-  // The text read as a string of code units, without reaching for text().
+  /// The stored text read as a string of code units (first code unit, count,
+  /// and the range), without reaching for text().
+  /// @{
   [[nodiscard]] const char16_t* data() const noexcept { return text_.data(); }
   [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
   [[nodiscard]] const char16_t* begin() const noexcept { return text_.begin(); }
   [[nodiscard]] const char16_t* end() const noexcept { return text_.end(); }
+  /// @}
 
   /// A copy of the stored text, so that `ustring text = name;` reads it the
   /// way a subscript's text form is read.
@@ -80,6 +91,14 @@ class ObjectPathName {
   }
 
  private:
+  friend struct detail::ObjectPathNameAccess;
+
+  // Takes over text that the library's parsers have already checked and
+  // cleaned, so that it is neither checked nor copied again.
+  struct Checked {};
+  ObjectPathName(Checked, krel::BasicTableString<char16_t> text) noexcept
+      : text_(std::move(text)) {}
+
   [[nodiscard]] bool is_valid() const noexcept;
 
   krel::BasicTableString<char16_t> text_;

@@ -19,6 +19,10 @@
 //   ui::core::ustring(s);   // u"//2, 3"
 //   ui::core::ObjectPathSubscript::make(u"//0");  // std::nullopt: 1-based
 
+/// \file
+/// The array subscripts of object paths.
+/// The comment at the top of the header's source has an overview with examples.
+
 #ifndef UI_CORE_OBJECT_PATH_SUBSCRIPT_H
 #define UI_CORE_OBJECT_PATH_SUBSCRIPT_H
 
@@ -40,8 +44,13 @@ namespace detail {
 
 /// The shared record of a subscript. Internal: use ObjectPathSubscript.
 struct ObjectPathSubscriptRep {
+  /// A record of `written` subscripts with these values, checked by the caller.
   ObjectPathSubscriptRep(std::size_t written, krel::ArraySize values)
       : size(written), subscripts(std::move(values)) {}
+  /// The same with the values read from [values, values + stored), built in
+  /// place so that the parsers copy them once.
+  ObjectPathSubscriptRep(std::size_t written, const std::size_t* values, std::size_t stored)
+      : size(written), subscripts(values, stored) {}
   /// A copy starts with its own reference count of one and keeps the hash.
   ObjectPathSubscriptRep(const ObjectPathSubscriptRep& other)
       : size(other.size),
@@ -53,16 +62,18 @@ struct ObjectPathSubscriptRep {
   std::size_t size;
   /// The values; the product is never 0.
   krel::ArraySize subscripts;
-  /// The element's content hash once computed, 0 until then. Written by the
-  /// first hash while the record may be shared: every writer stores the same
-  /// value, so relaxed order is enough and no reader can see anything but 0 or
-  /// that value.
+  /// The hash of an element holding this subscript (hash_value) once
+  /// computed, 0 until then, so that a cached hash is a single load. Written
+  /// by the first hash while the record may be shared: every writer stores the
+  /// same value, so relaxed order is enough and no reader can see anything but
+  /// 0 or that value.
   mutable std::atomic<std::size_t> hash_cache{0};
   /// Copies of a subscript order their count changes sequentially consistently.
   krel::RefCount<krel::CountOrder::sequential> count;
 };
 
 struct ObjectPathSubscriptAccess;
+struct ObjectPathSubscriptHashCache;
 
 }  // namespace detail
 
@@ -137,6 +148,11 @@ class ObjectPathSubscript {
 
  private:
   friend struct detail::ObjectPathSubscriptAccess;
+  friend struct detail::ObjectPathSubscriptHashCache;
+
+  // Takes over a record that the library has already built and checked.
+  explicit ObjectPathSubscript(krel::Cow<detail::ObjectPathSubscriptRep> rep) noexcept
+      : rep_(std::move(rep)) {}
 
   [[nodiscard]] bool is_valid() const noexcept;
 

@@ -184,6 +184,24 @@ TEST_F(SharedVectorTracked, GrowingCopiesElementsEvenFromItsOwnBlock) {
   EXPECT_EQ(Tracked::moves, 0);
 }
 
+TEST_F(SharedVectorTracked, MovedPushBackMovesIntoRoomAndCopiesOtherwise) {
+  krel::SharedVector<Tracked> v;
+  v.reserve(4);
+  const Tracked* data = v.data();
+  Tracked first(1);
+  v.push_back(std::move(first));  // own block with room: moved in place
+  EXPECT_EQ(Tracked::moves, 1);
+  EXPECT_EQ(Tracked::copies, 0);
+  EXPECT_EQ(v.data(), data);
+  krel::SharedVector<Tracked> copy = v;
+  v.push_back(Tracked(2));  // shared block: copied into a block of its own
+  EXPECT_EQ(Tracked::moves, 1);
+  EXPECT_EQ(Tracked::copies, 2);
+  EXPECT_FALSE(v.shares_with(copy));
+  EXPECT_EQ(values_of(v), (std::vector<int>{1, 2}));
+  EXPECT_EQ(values_of(copy), std::vector<int>{1});
+}
+
 TEST_F(SharedVectorTracked, LastReferenceDestroysElementsLastToFirst) {
   std::vector<int> order;
   {

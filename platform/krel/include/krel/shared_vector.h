@@ -95,6 +95,21 @@ class SharedVector {
   /// Appends a copy of `value`, which may be an element of this vector.
   void push_back(const T& value) { grow_and_append(0, &value, 1); }
 
+  /// Appends `value`, moved straight into the block when the block is this
+  /// vector's own and has room (as after reserve()); otherwise exactly as the
+  /// copying push_back, so growth still copies and keeps the strong guarantee.
+  /// If the move throws, the vector is unchanged.
+  void push_back(T&& value) {
+    // Acquire in is_one() orders the other copies' last reads of the block
+    // before the write below, as in grow_and_append().
+    if (block_ != nullptr && block_->count.is_one() && block_->capacity > block_->size) {
+      std::construct_at(elements(block_) + block_->size, std::move(value));
+      ++block_->size;
+      return;
+    }
+    push_back(static_cast<const T&>(value));
+  }
+
   /// Appends copies of other's elements; `other` may be this vector. Appending
   /// an empty vector changes nothing (not even the sharing).
   void append(const SharedVector& other) {

@@ -43,6 +43,21 @@ class BasicTableString {
   BasicTableString(const CharT* data, std::size_t size)
       : block_(size == 0 ? nullptr : allocate(data, size)) {}
 
+  /// A text of `size` code units that `fill(CharT* out)` writes straight into
+  /// the new block, exactly `size` of them, so that a text transformed on its
+  /// way in (such as a name whose white space is cleaned) is copied only once.
+  /// `fill` must not throw; it is not called when `size` is 0.
+  template <class Fill>
+  [[nodiscard]] static BasicTableString filled(std::size_t size, Fill&& fill) {
+    BasicTableString text;
+    if (size != 0) {
+      Block* block = allocate_block(size);
+      fill(chars(block));
+      text.block_ = block;
+    }
+    return text;
+  }
+
   BasicTableString(const BasicTableString& other) noexcept : block_(other.block_) {
     if (block_ != nullptr) block_->count.increment();
   }
@@ -97,14 +112,20 @@ class BasicTableString {
     static constexpr CharT nothing[1] = {};
     return nothing;
   }
-  static Block* allocate(const CharT* data, std::size_t size) {
+  // A block for `size` code units and the terminator, which is written; the
+  // code units are left for the caller to write.
+  static Block* allocate_block(std::size_t size) {
     if (size > (static_cast<std::size_t>(-1) - chars_offset) / sizeof(CharT) - 1) {
       throw std::length_error("krel::BasicTableString");
     }
     void* raw = ::operator new(chars_offset + (size + 1) * sizeof(CharT));
     Block* block = ::new (raw) Block{RefCount<>{}, size};
-    std::memcpy(chars(block), data, size * sizeof(CharT));
     chars(block)[size] = CharT{};
+    return block;
+  }
+  static Block* allocate(const CharT* data, std::size_t size) {
+    Block* block = allocate_block(size);
+    std::memcpy(chars(block), data, size * sizeof(CharT));
     return block;
   }
   static void deallocate(Block* block) noexcept {
