@@ -47,11 +47,7 @@ bool is_node_id(const ustring& text) noexcept {
 }
 
 bool is_node_path(const ustring& text) noexcept {
-  if (!is_node_id_head_char(text)) return false;
-  const std::size_t n = text.size();
-  if (n < 2) return true;
-  if (!is_node_sep(text[n - 1])) return true;
-  return is_node_sep(text[n - 2]);
+  return detail::node_path_ends_ok(text.data(), text.size());
 }
 
 namespace detail {

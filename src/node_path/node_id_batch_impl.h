@@ -85,7 +85,7 @@ inline void NodeIdBatch::add_to(std::vector<NodeId>& ids, const char16_t* first,
   NodeId::Rep* const rep = block_->records() + used_;
   // The text is copied once and cleaned in place (unless the caller knows it
   // holds no white space); if the copy fails, nothing has been constructed.
-  ::new (static_cast<void*>(rep)) NodeId::Rep(ui::core::ustring(first, last));
+  ::new (static_cast<void*>(rep)) NodeId::Rep(first, last);
   if (may_hold_space) detail::clean_spaces(rep->text.data(), rep->text.data() + rep->text.size());
   rep->block = block_;
   ++used_;

@@ -26,32 +26,28 @@ struct detail::NodePathParser {
   using Parsed = std::variant<Rep*, MsgId>;
 
   static Parsed parse(const ustring& text) {
-    if (!is_node_path(text)) return invalid_node_path(text);
+    if (!node_path_ends_ok(text.data(), text.size())) return invalid_node_path(text);
     if (text.empty()) return static_cast<Rep*>(nullptr);
 
     const char16_t* const begin = text.data();
     const char16_t* const end = begin + text.size();
-    // The end of each piece. is_node_path has ruled out a trailing single
+    // The end of each piece. The check of the ends has ruled out a trailing single
     // "/", so the last piece runs to the end of the text; a separator found
     // there ends the pieces without an empty one, and the piece before it
     // (ending in "/") is refused anyway.
+    //
+    // A piece holds no unescaped separator (it ends at the first one), so it
+    // is an identifier exactly when it is not empty and neither starts nor
+    // ends with "/"; the first piece that is not refuses the text.
     boost::container::small_vector<const char16_t*, 16> ends;
     for (const char16_t* first = begin;;) {
       const char16_t* const sep = find_node_sep(first, end);
+      if (first == sep || is_node_sep(*first) || is_node_sep(sep[-1])) {
+        return invalid_node_id(ustring(first, sep));
+      }
       ends.push_back(sep);
       if (sep == end || sep + 1 == end) break;
       first = sep + 1;
-    }
-
-    // A piece holds no unescaped separator (it ends at the first one), so it
-    // is an identifier exactly when it is not empty and neither starts nor
-    // ends with "/".
-    const char16_t* first = begin;
-    for (const char16_t* last : ends) {
-      if (first == last || is_node_sep(*first) || is_node_sep(last[-1])) {
-        return invalid_node_id(ustring(first, last));
-      }
-      first = last + 1;
     }
 
     // Most path texts hold no white space at all; one look at the whole text
@@ -60,7 +56,7 @@ struct detail::NodePathParser {
     NodeIdBatch batch(ends.size(), sizeof(Rep));
     std::vector<NodeId> ids;
     ids.reserve(ends.size());
-    first = begin;
+    const char16_t* first = begin;
     for (const char16_t* last : ends) {
       batch.add_to(ids, first, last, may_hold_space);
       first = last + 1;
@@ -93,7 +89,6 @@ struct detail::NodePathParser {
     static_cast<NodePathBase&>(*path).rep_.swap(record);
     return path;
   }
-
 
   // Destroys a path record that lives in a block. The identifiers whose
   // records are in the same block and held by this path alone are destroyed

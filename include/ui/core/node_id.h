@@ -187,6 +187,8 @@ class NodeId {
     detail::NodeIdBlock* block = nullptr;
 
     explicit Rep(ui::core::ustring&& t) noexcept : text(std::move(t)) {}
+    /// The text of [first, last), copied once.
+    Rep(const char16_t* first, const char16_t* last) : text(first, last) {}
     /// A copy is always a record of its own.
     Rep(const Rep& other) : text(other.text) {}
 
