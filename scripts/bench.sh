@@ -5,6 +5,9 @@
 # written as JSON beside the build:
 #   build/bench/results.json   Google Benchmark's output
 #   build/bench/ratios.json    the table, one entry per target
+# The repetitions of all benchmarks are interleaved in random order, so that a
+# slow moment of a shared machine spreads over kernel and peers alike instead
+# of falling on one of them.
 # Environment: BENCH_REPETITIONS (default 5), BENCH_MIN_TIME (seconds per
 # repetition, default 0.2), BENCH_FILTER (a benchmark regex, default all).
 set -eu
@@ -20,5 +23,6 @@ out=build/bench
   --benchmark_min_time="${BENCH_MIN_TIME:-0.2}" \
   --benchmark_filter="${BENCH_FILTER:-.}" \
   --benchmark_report_aggregates_only=true \
+  --benchmark_enable_random_interleaving=true \
   --benchmark_out="$out/results.json" --benchmark_out_format=json >/dev/null
 python3 scripts/bench_report.py "$out/results.json" "$out/ratios.json"
