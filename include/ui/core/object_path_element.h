@@ -167,6 +167,8 @@ namespace detail {
 /// Reads the element hash cached in a subscript's record: 0 until the first
 /// hash. Internal: use hash_value.
 struct ObjectPathSubscriptHashCache {
+  /// The element hash cached in the subscript's record, or 0 before the
+  /// first hash.
   [[nodiscard]] static std::size_t load(const ObjectPathSubscript& s) noexcept {
     return s.rep_.read().hash_cache.load(std::memory_order_relaxed);
   }
