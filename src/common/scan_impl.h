@@ -12,6 +12,7 @@
 #define UI_CORE_SRC_COMMON_SCAN_IMPL_H
 
 #include <cstddef>
+#include <cstdint>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -54,6 +55,55 @@ namespace ui::core::detail {
   return find_unit_sse2(p, end, unit);
 #else
   return find_unit_portable(p, end, unit);
+#endif
+}
+
+/// Bit k set where p[k] is "/", for k < count <= 64; the bits from count up
+/// are 0. Portable. `floor` is unused; it is there so that both versions have
+/// one signature.
+[[nodiscard]] inline std::uint64_t slash_bits_portable(const char16_t* /*floor*/, const char16_t* p,
+                                                       std::size_t count) noexcept {
+  std::uint64_t bits = 0;
+  for (std::size_t k = 0; k < count; ++k) bits |= std::uint64_t{p[k] == u'/'} << k;
+  return bits;
+}
+
+#if UI_CORE_HAVE_SSE2
+/// One bit per code unit of the sixteen at p: set where the unit is "/".
+[[nodiscard]] inline unsigned slash_mask16_sse2(const char16_t* p) noexcept {
+  const __m128i slash = _mm_set1_epi16(static_cast<short>(u'/'));
+  const __m128i low = _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), slash);
+  const __m128i high =
+      _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8)), slash);
+  // Packing turns each all-ones or all-zeros 16-bit lane into one byte.
+  return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));
+}
+
+/// The same as slash_bits_portable, sixteen code units per step. Reads only
+/// code units in [floor, p + count), where floor <= p.
+[[nodiscard]] inline std::uint64_t slash_bits_sse2(const char16_t* floor, const char16_t* p,
+                                                   std::size_t count) noexcept {
+  std::uint64_t bits = 0;
+  std::size_t k = 0;
+  for (; count - k >= 16; k += 16) bits |= std::uint64_t{slash_mask16_sse2(p + k)} << k;
+  const std::size_t rest = count - k;
+  if (rest == 0) return bits;
+  const char16_t* const stop = p + count;
+  if (stop - floor < 16) return bits | (slash_bits_portable(floor, p + k, rest) << k);
+  // The sixteen units that end at `stop`; those before p + k are dropped.
+  return bits | (std::uint64_t{slash_mask16_sse2(stop - 16) >> (16 - rest)} << k);
+}
+
+#endif
+
+/// Bit k set where p[k] is "/", for k < count <= 64, reading no code unit
+/// before `floor` (<= p): the fastest version the target has.
+[[nodiscard]] inline std::uint64_t slash_bits(const char16_t* floor, const char16_t* p,
+                                              std::size_t count) noexcept {
+#if UI_CORE_HAVE_SSE2
+  return slash_bits_sse2(floor, p, count);
+#else
+  return slash_bits_portable(floor, p, count);
 #endif
 }
 

@@ -59,23 +59,20 @@ struct NodeIdBlock {
 };
 
 // The block starts with a reference for each record it will hold and one for
-// the batch; the batch gives back its own and those of the records it did not
-// build (when building one failed). The front record, when there is one,
-// holds a reference of its own.
+// the front record, so that a parse that succeeds changes no count after the
+// block is made: the references go to the records as they are built and to
+// the front record when it takes its own. Those not handed out (when building
+// a record failed, or no front record was placed) are given back together.
 inline NodeIdBatch::NodeIdBatch(std::size_t capacity, std::size_t front_size)
     : block_(NodeIdBlock::allocate(capacity, front_size, capacity + 1)) {}
 
 inline NodeIdBatch::~NodeIdBatch() {
-  for (std::size_t unused = block_->capacity - used_; unused != 0; --unused) block_->release();
-  block_->release();
+  const std::size_t kept = block_->capacity - used_ + (front_taken_ ? 0 : 1);
+  if (kept != 0) block_->release(kept);
 }
 
 inline void* NodeIdBatch::front() const noexcept {
   return block_->front();
-}
-
-inline void NodeIdBatch::take_front_reference() noexcept {
-  block_->live.increment();
 }
 
 inline void NodeIdBatch::add_to(std::vector<NodeId>& ids, const char16_t* first,

@@ -31,24 +31,30 @@ struct detail::NodePathParser {
 
     const char16_t* const begin = text.data();
     const char16_t* const end = begin + text.size();
-    // The end of each piece. The check of the ends has ruled out a trailing single
-    // "/", so the last piece runs to the end of the text; a separator found
-    // there ends the pieces without an empty one, and the piece before it
-    // (ending in "/") is refused anyway.
+    // The end of each piece. The check of the ends has ruled out a trailing
+    // single "/", so the last piece runs to the end of the text.
     //
     // A piece holds no unescaped separator (it ends at the first one), so it
     // is an identifier exactly when it is not empty and neither starts nor
     // ends with "/"; the first piece that is not refuses the text.
     boost::container::small_vector<const char16_t*, 16> ends;
-    for (const char16_t* first = begin;;) {
-      const char16_t* const sep = find_node_sep(first, end);
-      if (first == sep || is_node_sep(*first) || is_node_sep(sep[-1])) {
-        return invalid_node_id(ustring(first, sep));
+    const char16_t* first = begin;
+    const char16_t* refused_end = nullptr;
+    const auto piece_ok = [&first](const char16_t* last) {
+      return first != last && !is_node_sep(*first) && !is_node_sep(last[-1]);
+    };
+    const bool all_ok = for_each_node_sep(begin, end, [&](const char16_t* sep) {
+      if (!piece_ok(sep)) {
+        refused_end = sep;
+        return false;
       }
       ends.push_back(sep);
-      if (sep == end || sep + 1 == end) break;
       first = sep + 1;
-    }
+      return true;
+    });
+    if (!all_ok) return invalid_node_id(ustring(first, refused_end));
+    if (!piece_ok(end)) return invalid_node_id(ustring(first, end));
+    ends.push_back(end);
 
     // Most path texts hold no white space at all; one look at the whole text
     // spares the identifiers the cleaning.
@@ -56,7 +62,7 @@ struct detail::NodePathParser {
     NodeIdBatch batch(ends.size(), sizeof(Rep));
     std::vector<NodeId> ids;
     ids.reserve(ends.size());
-    const char16_t* first = begin;
+    first = begin;
     for (const char16_t* last : ends) {
       batch.add_to(ids, first, last, may_hold_space);
       first = last + 1;

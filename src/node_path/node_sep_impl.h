@@ -3,7 +3,9 @@
 #ifndef UI_CORE_SRC_NODE_PATH_NODE_SEP_IMPL_H
 #define UI_CORE_SRC_NODE_PATH_NODE_SEP_IMPL_H
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 #include "../common/scan_impl.h"
 
@@ -20,6 +22,32 @@ namespace ui::core::detail {
     if (end - p == 1 || p[1] != u'/') return p;
     p += 2;
   }
+}
+
+/// Calls `visit(sep)` for each unescaped "/" in [begin, end), first to last,
+/// until it returns false; returns false exactly when a call did. The same
+/// separators as find_node_sep from `begin` and then from the unit after each
+/// one found, but the text is read 64 code units at a time into a word with
+/// one bit per "/", so the cost does not grow with the number of separators
+/// and no unit is read twice.
+template <class Visit>
+inline bool for_each_node_sep(const char16_t* begin, const char16_t* end, Visit&& visit) {
+  // A "/" before this position is the second of an escaped pair.
+  const char16_t* paired_until = begin;
+  for (const char16_t* chunk = begin; chunk != end;) {
+    const auto count = static_cast<std::size_t>(std::min<std::ptrdiff_t>(end - chunk, 64));
+    for (std::uint64_t bits = slash_bits(begin, chunk, count); bits != 0; bits &= bits - 1) {
+      const char16_t* const p = chunk + __builtin_ctzll(bits);
+      if (p < paired_until) continue;
+      if (end - p > 1 && p[1] == u'/') {
+        paired_until = p + 2;
+        continue;
+      }
+      if (!visit(p)) return false;
+    }
+    chunk += count;
+  }
+  return true;
 }
 
 /// The rule for a path text's ends, on its n code units at p: it does not

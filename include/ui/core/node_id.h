@@ -97,18 +97,21 @@ class NodeIdBatch {
               bool may_hold_space);
 
   /// The block, and the room for the front record in it. A record placed
-  /// there must take a reference with take_front_reference() and give it back
-  /// through NodeIdBlock's release when it is destroyed.
+  /// there must take its reference with take_front_reference() and give it
+  /// back through NodeIdBlock's release when it is destroyed.
   /// @{
   [[nodiscard]] NodeIdBlock* block() const noexcept { return block_; }
   [[nodiscard]] void* front() const noexcept;
   /// @}
-  /// Takes one reference to the block for the record placed at front().
-  void take_front_reference() noexcept;
+  /// Hands the reference kept for the front record to the record placed at
+  /// front(). The count was set for it when the block was made, so this
+  /// touches no shared state.
+  void take_front_reference() noexcept { front_taken_ = true; }
 
  private:
   NodeIdBlock* block_;
   std::size_t used_ = 0;
+  bool front_taken_ = false;
 };
 
 /// The check behind NodeId: the text to store (`clean_white_space` of a valid
