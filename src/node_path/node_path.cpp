@@ -36,29 +36,34 @@ struct detail::NodePathParser {
     //
     // A piece holds no unescaped separator (it ends at the first one), so it
     // is an identifier exactly when it is not empty and neither starts nor
-    // ends with "/"; the first piece that is not refuses the text.
+    // ends with "/"; the first piece that is not refuses the text. Most texts
+    // hold no white space at all; a look at each stretch of the text while it
+    // is at hand spares the identifiers the cleaning.
     boost::container::small_vector<const char16_t*, 16> ends;
+    bool may_hold_space = false;
     const char16_t* first = begin;
     const char16_t* refused_end = nullptr;
     const auto piece_ok = [&first](const char16_t* last) {
       return first != last && !is_node_sep(*first) && !is_node_sep(last[-1]);
     };
-    const bool all_ok = for_each_node_sep(begin, end, [&](const char16_t* sep) {
-      if (!piece_ok(sep)) {
-        refused_end = sep;
-        return false;
-      }
-      ends.push_back(sep);
-      first = sep + 1;
-      return true;
-    });
+    const bool all_ok = for_each_node_sep(
+        begin, end,
+        [&](const char16_t* sep) {
+          if (!piece_ok(sep)) {
+            refused_end = sep;
+            return false;
+          }
+          ends.push_back(sep);
+          first = sep + 1;
+          return true;
+        },
+        [&may_hold_space](const char16_t* chunk, std::size_t count) {
+          may_hold_space = may_hold_space || find_space(chunk, chunk + count) != chunk + count;
+        });
     if (!all_ok) return invalid_node_id(ustring(first, refused_end));
     if (!piece_ok(end)) return invalid_node_id(ustring(first, end));
     ends.push_back(end);
 
-    // Most path texts hold no white space at all; one look at the whole text
-    // spares the identifiers the cleaning.
-    const bool may_hold_space = find_space(begin, end) != end;
     NodeIdBatch batch(ends.size(), sizeof(Rep));
     std::vector<NodeId> ids;
     ids.reserve(ends.size());

@@ -28,14 +28,18 @@ namespace ui::core::detail {
 /// until it returns false; returns false exactly when a call did. The same
 /// separators as find_node_sep from `begin` and then from the unit after each
 /// one found, but the text is read 64 code units at a time into a word with
-/// one bit per "/", so the cost does not grow with the number of separators
-/// and no unit is read twice.
-template <class Visit>
-inline bool for_each_node_sep(const char16_t* begin, const char16_t* end, Visit&& visit) {
+/// one bit per "/", so the cost does not grow with the number of separators.
+/// Before the separators of each stretch of up to 64 units, `look(chunk,
+/// count)` is called on it, for a caller that has more to learn from the text
+/// while those units are at hand.
+template <class Visit, class Look>
+[[gnu::always_inline]] inline bool for_each_node_sep(const char16_t* begin, const char16_t* end,
+                                                     Visit&& visit, Look&& look) {
   // A "/" before this position is the second of an escaped pair.
   const char16_t* paired_until = begin;
   for (const char16_t* chunk = begin; chunk != end;) {
     const auto count = static_cast<std::size_t>(std::min<std::ptrdiff_t>(end - chunk, 64));
+    look(chunk, count);
     for (std::uint64_t bits = slash_bits(begin, chunk, count); bits != 0; bits &= bits - 1) {
       const char16_t* const p = chunk + __builtin_ctzll(bits);
       if (p < paired_until) continue;
@@ -48,6 +52,13 @@ inline bool for_each_node_sep(const char16_t* begin, const char16_t* end, Visit&
     chunk += count;
   }
   return true;
+}
+
+/// The same without a look at the text.
+template <class Visit>
+[[gnu::always_inline]] inline bool for_each_node_sep(const char16_t* begin, const char16_t* end,
+                                                     Visit&& visit) {
+  return for_each_node_sep(begin, end, visit, [](const char16_t*, std::size_t) noexcept {});
 }
 
 /// The rule for a path text's ends, on its n code units at p: it does not

@@ -179,4 +179,21 @@ TEST(NodePathScan, LongTextsParseOrFailAsTheReferenceSays) {
   EXPECT_LT(accepted, 5400);
 }
 
+// A single white-space unit anywhere in a long text is cleaned, whichever
+// 64-unit stretch of the text it falls in.
+TEST(NodePathScan, CleansALoneBlankInAnyStretch) {
+  for (const char16_t blank : {u'\t', u'\n', u'\r'}) {
+    for (std::size_t at = 0; at < 200; ++at) {
+      ustring text(200, u'x');
+      for (std::size_t k = 9; k < 190; k += 10) text[k] = u'/';
+      if (text[at] == u'/') continue;
+      text[at] = blank;
+      const NodePath p(text);
+      ustring expected = text;
+      expected[at] = u' ';
+      ASSERT_EQ(p.ustring(), expected) << "blank at " << at;
+    }
+  }
+}
+
 }  // namespace
