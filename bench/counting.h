@@ -5,8 +5,6 @@
 #define UI_CORE_BENCH_COUNTING_H
 
 #include <cstddef>
-#include <functional>
-#include <vector>
 
 namespace bench {
 
@@ -17,15 +15,6 @@ struct AllocationCount {
 
 /// Allocations made through operator new on this thread so far.
 AllocationCount allocations_so_far() noexcept;
-
-/// The sizes of the allocations `fn` makes through operator new on this
-/// thread, in the order it makes them.
-std::vector<std::size_t> record_allocations(const std::function<void()>& fn);
-
-/// Allocates blocks of `sizes`, in order, writes every byte of each, and
-/// frees them in the same order: what the memory of an operation costs on its
-/// own, without the work that decides what to put in it.
-void replay_allocations(const std::vector<std::size_t>& sizes, std::vector<void*>& scratch);
 
 }  // namespace bench
 

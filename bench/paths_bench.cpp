@@ -185,26 +185,13 @@ void NodePath_scaling(benchmark::State& state) {
       static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
 }
 BENCHMARK(NodePath_scaling)->RangeMultiplier(10)->Range(10, 100000);
-
-// The memory alone of parsing the same texts: the blocks the parse allocates,
-// of the same sizes and in the same order, each written in full and then
-// freed. Parse time above this floor is the parser's own work.
-void NodePath_scaling_floor(benchmark::State& state) {
-  const std::u16string text = bench::long_node_path_text(static_cast<std::size_t>(state.range(0)));
-  const std::vector<std::size_t> sizes = bench::record_allocations([&] {
-    ui::core::NodePath p(text);
-    benchmark::DoNotOptimize(p.size());
-  });
-  std::vector<void*> scratch;
-  for (auto _ : state) {
-    bench::replay_allocations(sizes, scratch);
-    benchmark::ClobberMemory();
-  }
-  state.SetBytesProcessed(
-      static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
-  state.counters["allocations"] = static_cast<double>(sizes.size());
-}
-BENCHMARK(NodePath_scaling_floor)->RangeMultiplier(10)->Range(10, 100000);
+// The same with a fixed number of iterations, for counting instructions
+// (scripts/bench_instructions.sh): every parse it makes is one it reports.
+BENCHMARK(NodePath_scaling)
+    ->Name("NodePath_scaling_counted")
+    ->RangeMultiplier(10)
+    ->Range(10, 100000)
+    ->Iterations(4);
 
 // The same texts split by hand, to tell the cost of the memory a long path
 // needs (which any representation pays) from the parser's own.
@@ -230,25 +217,11 @@ void ObjectPath_scaling(benchmark::State& state) {
       static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
 }
 BENCHMARK(ObjectPath_scaling)->RangeMultiplier(10)->Range(10, 100000);
-
-// The memory alone of parsing the same object path texts, as for node paths.
-void ObjectPath_scaling_floor(benchmark::State& state) {
-  const std::u16string text =
-      bench::long_object_path_text(static_cast<std::size_t>(state.range(0)));
-  const std::vector<std::size_t> sizes = bench::record_allocations([&] {
-    ui::core::ObjectPath p = ui::core::to_object_path(text);
-    benchmark::DoNotOptimize(p.size());
-  });
-  std::vector<void*> scratch;
-  for (auto _ : state) {
-    bench::replay_allocations(sizes, scratch);
-    benchmark::ClobberMemory();
-  }
-  state.SetBytesProcessed(
-      static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
-  state.counters["allocations"] = static_cast<double>(sizes.size());
-}
-BENCHMARK(ObjectPath_scaling_floor)->RangeMultiplier(10)->Range(10, 100000);
+BENCHMARK(ObjectPath_scaling)
+    ->Name("ObjectPath_scaling_counted")
+    ->RangeMultiplier(10)
+    ->Range(10, 100000)
+    ->Iterations(4);
 
 // Object path texts split by hand at the same separators into a vector of
 // strings: the memory cost of a long path that any representation pays.
