@@ -183,6 +183,7 @@ void NodePath_scaling(benchmark::State& state) {
   }
   state.SetBytesProcessed(
       static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
+  state.counters["code_units"] = static_cast<double>(text.size());
 }
 BENCHMARK(NodePath_scaling)->RangeMultiplier(10)->Range(10, 100000);
 // The same with a fixed number of iterations, for counting instructions
@@ -215,6 +216,7 @@ void ObjectPath_scaling(benchmark::State& state) {
   }
   state.SetBytesProcessed(
       static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
+  state.counters["code_units"] = static_cast<double>(text.size());
 }
 BENCHMARK(ObjectPath_scaling)->RangeMultiplier(10)->Range(10, 100000);
 BENCHMARK(ObjectPath_scaling)

@@ -41,8 +41,7 @@ for line in open(sys.argv[2]):
         total = n
     elif "libui_core" in m.group(2):
         own += n
-units = b["bytes_per_second"] * b["real_time"] / 1e9 / 2  # UTF-16 code units per iteration
-per = b["iterations"] * units
+per = b["iterations"] * b["code_units"]  # the code units parsed in all
 name = sys.argv[3].replace("_counted", "").replace("/iterations:4", "")
 print(f"{name:<26} {own / per:7.2f} in the library, {total / per:7.2f} with the allocator"
       " (instructions per code unit)")
