@@ -2,9 +2,9 @@
 //
 // The kernel's hot loops look for a few ASCII code units in long runs of
 // ordinary text: "/" in paths, white space to clean in names, the five XML
-// specials in text to escape. On
-// x86-64 (where SSE2 is always present) they compare 8 or 16 code units at a
-// time; every other target gets the portable loops. Both versions are always
+// specials in text to escape. On x86-64 (where SSE2 is always present) they
+// compare 8 or 16 code units at a time, or mark where "/" is in 64 of them
+// with one bit per unit; every other target gets the portable loops. Both versions are always
 // compiled where SSE2 exists, and the tests run both, so the portable path is
 // never left untested.
 

@@ -1,11 +1,11 @@
 // The code-unit loops of object path parsing (private to src/object_path):
-// marking where "/" is, finding the next "/", and copying a name with its
-// white space cleaned. Each comes in a portable version and, where the target
-// has SSE2, one that takes eight or sixteen code units at a time; the tests run
-// both and compare them.
+// finding the next "/", and copying a name with its white space cleaned (the
+// marking of where "/" is, which node paths share, is in common/scan_impl.h).
+// Each comes in a portable version and, where the target has SSE2, one that
+// takes eight code units at a time; the tests run both and compare them.
 //
 // Segments of path text are short (a name has a dozen code units or so), so
-// the SSE2 versions finish a range that does not fill a whole step with one
+// the SSE2 versions (and slash_bits) finish a range that does not fill a whole step with one
 // more step that overlaps what was already done, instead of a loop over single
 // code units. That step stays inside memory that may be read: the scans are
 // told where the readable text begins, and the copy rewrites units it has
