@@ -1,4 +1,4 @@
-// A library without an activator: installing its set loads it and starts nothing.
+// A bundle without an activator: installing its set loads it and starts nothing.
 
 extern "C" int krel_plain_library_answer() {
   return 42;

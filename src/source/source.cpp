@@ -5,8 +5,8 @@
 #include <string_view>
 #include <utility>
 
-#include "cppmicroservices/BundleContext.h"
 #include "krel/bundles.h"
+#include "service_lookup_impl.h"
 #include "ui/core/detail/errors.h"
 
 namespace ui::core {
@@ -21,16 +21,10 @@ std::once_flag bundles_installed;
 
 // The registered creator for keys of type T, or empty when the process has no
 // valid context, no such service is registered, or the registry gives no
-// object. The reference is released on return; only the object is kept.
+// object. Only the object is kept.
 template <class T>
 std::shared_ptr<SourceCreatorService<T>> find_creator() {
-  using Service = SourceCreatorService<T>;
-  cppmicroservices::BundleContext context = krel::get_global_bundle_context();
-  if (!context) return nullptr;
-  const cppmicroservices::ServiceReference<Service> reference =
-      context.GetServiceReference<Service>();
-  if (!reference) return nullptr;
-  return context.GetService(reference);
+  return detail::find_service_object<SourceCreatorService<T>>(krel::get_global_bundle_context());
 }
 
 // Sole ownership passes into the shared pointer, whose deleter destroys the

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
@@ -14,14 +15,11 @@
 #include <system_error>
 #include <utility>
 
-#include "cppmicroservices/BundleActivator.h"
-#include "cppmicroservices/Framework.h"
-#include "cppmicroservices/FrameworkFactory.h"
-#ifdef UI_CORE_SYSTEM_CPPMICROSERVICES
-#include <chrono>
-
 #include "cppmicroservices/Bundle.h"
-#endif
+#include "cppmicroservices/BundleContext.h"
+#include "cppmicroservices/Framework.h"
+#include "cppmicroservices/FrameworkEvent.h"
+#include "cppmicroservices/FrameworkFactory.h"
 
 namespace krel {
 namespace {
@@ -29,28 +27,24 @@ namespace {
 namespace fs = std::filesystem;
 
 struct GlobalFramework {
+  GlobalFramework() : framework(cppmicroservices::FrameworkFactory().NewFramework()) {
+    framework.Start();
+  }
+
   cppmicroservices::Framework framework;
   // Held while a set is installed; recursive so that an activator may
   // install another set from its Start.
   std::recursive_mutex mutex;
-  bool stopped = false;        // guarded by mutex
-  std::set<fs::path> started;  // canonical library files; guarded by mutex
-#ifndef UI_CORE_SYSTEM_CPPMICROSERVICES
-  // Activators in start order; guarded by mutex.
-  std::vector<std::unique_ptr<cppmicroservices::BundleActivator>> activators;
-#endif
+  bool stopped = false;                           // guarded by mutex
+  std::set<fs::path> started;                     // canonical library files; guarded by mutex
+  std::vector<cppmicroservices::Bundle> bundles;  // in start order; guarded by mutex
 };
 
 // The framework lives until the process ends and is never destroyed: service
 // objects and activators have their code in bundle libraries, whose static
 // data may already be gone when this library's destructors would run at exit.
 GlobalFramework& global() {
-  static GlobalFramework* const instance = [] {
-    auto* g = new GlobalFramework;
-    g->framework = cppmicroservices::FrameworkFactory().NewFramework();
-    g->framework.Start();
-    return g;
-  }();
+  static GlobalFramework* const instance = new GlobalFramework;
   return *instance;
 }
 
@@ -94,30 +88,18 @@ std::vector<fs::path> libraries_in(const fs::path& folder) {
   return found;
 }
 
-// Loads one library and starts its activator. Throws on failure, leaving the
-// library loaded (a failed Start may have registered services whose code
+// Installs one library as a bundle and starts it. Throws on failure, leaving
+// the library loaded (a failed Start may have registered services whose code
 // lives there) but not counted as started.
 void start_library(GlobalFramework& g, const fs::path& file,
                    cppmicroservices::BundleContext& context) {
-#ifdef UI_CORE_SYSTEM_CPPMICROSERVICES
-  for (auto& bundle : context.InstallBundles(file.string())) bundle.Start();
-#else
-  void* handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (handle == nullptr) {
-    const char* reason = dlerror();
-    throw std::runtime_error("cannot load the bundle " + file.string() + ": " +
-                             (reason ? reason : "unknown reason"));
+  std::error_code ec;
+  fs::path location = fs::absolute(file, ec);
+  if (ec) location = file;
+  for (cppmicroservices::Bundle& bundle : context.InstallBundles(location.string())) {
+    bundle.Start();
+    g.bundles.push_back(bundle);
   }
-  void* symbol = dlsym(handle, cppmicroservices::detail::bundle_activator_factory);
-  if (symbol == nullptr) return;  // a library without an activator has nothing to start
-  cppmicroservices::detail::BundleActivatorFactory factory = nullptr;
-  static_assert(sizeof(factory) == sizeof(symbol));
-  std::memcpy(&factory, &symbol, sizeof(factory));
-  std::unique_ptr<cppmicroservices::BundleActivator> activator(factory());
-  if (!activator) throw std::runtime_error("the bundle " + file.string() + " made no activator");
-  activator->Start(context);
-  g.activators.push_back(std::move(activator));
-#endif
 }
 
 }  // namespace
@@ -171,34 +153,27 @@ void install_and_start_all_bundles(const fs::path& set) {
 
 void stop_global_framework() {
   GlobalFramework& g = global();
-  cppmicroservices::BundleContext context;
-#ifndef UI_CORE_SYSTEM_CPPMICROSERVICES
-  std::vector<std::unique_ptr<cppmicroservices::BundleActivator>> activators;
-#endif
+  std::vector<cppmicroservices::Bundle> bundles;
   {
     std::lock_guard lock(g.mutex);
     if (g.stopped) return;
     g.stopped = true;
-    context = g.framework.GetBundleContext();
-#ifndef UI_CORE_SYSTEM_CPPMICROSERVICES
-    activators.swap(g.activators);
-#endif
+    bundles.swap(g.bundles);
   }
+  // Outside the lock: an activator's Stop may use the registry, or even ask
+  // to install (which does nothing from now on).
   std::exception_ptr first_failure;
-#ifndef UI_CORE_SYSTEM_CPPMICROSERVICES
-  // Outside the lock: Stop may use the registry, or even ask to install.
-  for (auto it = activators.rbegin(); it != activators.rend(); ++it) {
+  for (auto it = bundles.rbegin(); it != bundles.rend(); ++it) {
     try {
-      (*it)->Stop(context);
+      it->Stop();
     } catch (...) {
       if (!first_failure) first_failure = std::current_exception();
     }
   }
-#endif
   g.framework.Stop();
-#ifdef UI_CORE_SYSTEM_CPPMICROSERVICES
-  g.framework.WaitForStop(std::chrono::milliseconds::zero());
-#endif
+  // A framework may finish stopping on a thread of its own; every context
+  // reads false once it has.
+  (void)g.framework.WaitForStop(std::chrono::milliseconds::zero());
   if (first_failure) std::rethrow_exception(first_failure);
 }
 

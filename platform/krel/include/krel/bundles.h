@@ -37,17 +37,21 @@ namespace krel {
 /// Installs and starts every bundle of a bundle set. A relative `set` names a
 /// folder that is looked up under every entry of bundle_search_path(); an
 /// absolute one is the folder itself. Every shared library ("*.so") in a found
-/// folder is loaded, in name order, and its activator, if it exports one, is
-/// started with the global context.
+/// folder is installed as a bundle with the framework, in name order, and
+/// started: its activator, if it has one, is started with the bundle's own
+/// context. Each library must be a bundle (built with ui_core_add_bundle, or
+/// as CppMicroServices builds bundles).
 ///
 /// A library is started at most once per process, however often and through
 /// whichever folder it is found again. A set found nowhere installs nothing
 /// and is not an error; nor is anything installed once the framework is stopped.
 ///
-/// Throws std::runtime_error when a library in the set cannot be loaded, and
-/// lets an exception of an activator's Start through unchanged. The libraries
-/// started before it stay started; the failed one is not counted as started,
-/// so a later call tries it again.
+/// Throws what the framework throws: std::runtime_error when a library in the
+/// set cannot be loaded or is no bundle, and, when an activator's Start
+/// throws, the framework's std::runtime_error whose text names the bundle and
+/// ends with the original exception's text ("Bundle NAME (location= FILE)
+/// start failed: ..."). The libraries started before it stay started; the
+/// failed one is not counted as started, so a later call tries it again.
 ///
 /// Threads: installations are serialised. An activator may install further
 /// sets from its Start on the same thread.
@@ -57,12 +61,14 @@ void install_and_start_all_bundles(const std::filesystem::path& set);
 /// of this header. The environment is read anew on each call.
 [[nodiscard]] std::vector<std::filesystem::path> bundle_search_path();
 
-/// Stops every started bundle's activator, last started first, and then the
+/// Stops every bundle started here, last started first, and then the
 /// framework, so that every context reads false from then on and nothing more
 /// is installed. For tests that need a process without a valid context, and
-/// for an orderly shutdown; a stopped framework is never restarted. The first
-/// exception an activator's Stop throws is rethrown after the framework has
-/// stopped. Calling it again does nothing.
+/// for an orderly shutdown; a stopped framework is never restarted. When an
+/// activator's Stop throws, the other bundles still stop and the framework
+/// still stops; then the first such failure is rethrown, as the framework
+/// reports it (a std::runtime_error naming the bundle). Calling it again does
+/// nothing.
 void stop_global_framework();
 
 }  // namespace krel
