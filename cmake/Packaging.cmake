@@ -17,8 +17,16 @@ foreach(lib units lang krel services msgcat)
 endforeach()
 set(UI_CORE_PC_CFLAGS "")
 if(UI_CORE_SYSTEM_CPPMICROSERVICES)
+  # The framework's headers (krel/bundles.h includes them) and library, with a
+  # run path when it is not where the dynamic linker looks anyway.
+  foreach(dir IN LISTS UI_CORE_CPPMICROSERVICES_INCLUDE_DIRS)
+    string(APPEND UI_CORE_PC_CFLAGS " -I${dir}")
+  endforeach()
+  string(APPEND UI_CORE_PC_LIBS " -L${UI_CORE_CPPMICROSERVICES_LIBRARY_DIR}")
+  if(NOT UI_CORE_CPPMICROSERVICES_LIBRARY_DIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
+    string(APPEND UI_CORE_PC_LIBS " -Wl,-rpath,${UI_CORE_CPPMICROSERVICES_LIBRARY_DIR}")
+  endif()
   string(APPEND UI_CORE_PC_LIBS " -lCppMicroServices")
-  string(APPEND UI_CORE_PC_CFLAGS " -DUI_CORE_SYSTEM_CPPMICROSERVICES=1")
 endif()
 
 # The prefix is only known when installing (cmake --install --prefix may differ

@@ -40,7 +40,13 @@ if(UI_CORE_SYSTEM_CPPMICROSERVICES)
   message(STATUS "Service registry: CppMicroServices ${CppMicroServices_VERSION} "
                  "from ${UI_CORE_CPPMICROSERVICES_PREFIX}")
   target_link_libraries(ui_core_services_link INTERFACE CppMicroServices)
-  target_compile_definitions(ui_core_services_link INTERFACE UI_CORE_SYSTEM_CPPMICROSERVICES=1)
+  # Where the framework's headers and library are, for the pkg-config file.
+  get_target_property(UI_CORE_CPPMICROSERVICES_INCLUDE_DIRS CppMicroServices
+                      INTERFACE_INCLUDE_DIRECTORIES)
+  get_target_property(ui_core_cppms_configs CppMicroServices IMPORTED_CONFIGURATIONS)
+  list(GET ui_core_cppms_configs 0 ui_core_cppms_config)
+  get_target_property(ui_core_cppms_library CppMicroServices IMPORTED_LOCATION_${ui_core_cppms_config})
+  get_filename_component(UI_CORE_CPPMICROSERVICES_LIBRARY_DIR "${ui_core_cppms_library}" DIRECTORY)
   # Installed programs and libraries find the framework where it was found,
   # without LD_LIBRARY_PATH (directories the linker searches anyway are left out).
   set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)
