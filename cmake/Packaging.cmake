@@ -100,6 +100,12 @@ mark_as_advanced(UI_CORE_DPKG_SHLIBDEPS UI_CORE_FILE_PROGRAM)
 if(UI_CORE_DPKG_SHLIBDEPS AND UI_CORE_FILE_PROGRAM)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
+  # A CppMicroServices built from source belongs to no Debian package: the
+  # package cannot depend on it, and the installed files find it through
+  # their run path.
+  if(UI_CORE_SYSTEM_CPPMICROSERVICES)
+    list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${UI_CORE_CPPMICROSERVICES_LIBRARY_DIR})
+  endif()
 else()
   message(STATUS "dpkg-shlibdeps or file not found: the Debian package lists its "
                  "run-time dependencies by hand")

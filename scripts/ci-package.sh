@@ -7,6 +7,11 @@
 # when a step fails. Exits non-zero on any failure. Run as root (or with sudo available).
 #
 # UI_CORE_PACKAGE_BUILD_DIR: the build tree (default build/package).
+# UI_CORE_PACKAGE_CMAKE_ARGS: more configure arguments, such as those that
+#   select an installed CppMicroServices.
+# UI_CORE_PACKAGE_ALLOWED_RUNPATH: the one run path installed files may carry,
+#   the library folder of a CppMicroServices installed outside the system's
+#   folders (by default none may carry one).
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -31,8 +36,9 @@ trap cleanup EXIT
 trap 'exit 1' INT TERM
 
 echo "== build: release, installed under /usr ($build)"
+# shellcheck disable=SC2086
 cmake --preset release -B "$build" -DCMAKE_INSTALL_PREFIX=/usr -DUI_CORE_BUILD_TESTS=OFF \
-  -DUI_CORE_BUILD_BENCH=OFF -DUI_CORE_BUILD_EXAMPLES=OFF >/dev/null
+  -DUI_CORE_BUILD_BENCH=OFF -DUI_CORE_BUILD_EXAMPLES=OFF ${UI_CORE_PACKAGE_CMAKE_ARGS:-} >/dev/null
 cmake --build "$build" -j2
 
 echo "== cpack -G DEB"
@@ -61,11 +67,16 @@ fi
 ldd /usr/bin/ui-core | grep ui_core
 libdir=$(dirname "$(dpkg -L "$name" | grep '/libui_core\.so\.[0-9]*$')")
 echo "libraries in $libdir"
-if readelf -d /usr/bin/ui-core "$libdir"/libui_core*.so.*.*.* | grep -E 'RPATH|RUNPATH'; then
+allowed=${UI_CORE_PACKAGE_ALLOWED_RUNPATH:-}
+if readelf -d /usr/bin/ui-core "$libdir"/libui_core*.so.*.*.* "$libdir"/ui_core/bundles/*/*.so |
+  grep -E 'RPATH|RUNPATH' | grep -v -F "[$allowed]"; then
   echo "installed programs and libraries in the system folders need no run path" >&2
   exit 1
 fi
-/usr/bin/ui-core source --block model/Sub/Gain
+test "$(env -i /usr/bin/ui-core source --location model/plant.ssc:12:5)" = model/plant.ssc:12:5
+test "$(env -i /usr/bin/ui-core source --block model/Sub/Gain)" = "block model/Sub/Gain"
+test "$(env -i /usr/bin/ui-core source --block model/Sub/Gain --open-dialog)" = \
+  "dialog of block model/Sub/Gain"
 /usr/bin/ui-core node-path 'Body//Frame/mass'
 
 echo "== the examples, on their own, against /usr with find_package(ui_core)"

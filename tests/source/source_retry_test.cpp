@@ -9,7 +9,7 @@
 #include "source_test_support.h"
 
 // The only test of this process. It finds only the test set "flaky", whose
-// bundle refuses its first start.
+// bundle's activator refuses its first start.
 
 // ThreadSanitizer's replacement of pthread_once, on which std::call_once is
 // built, never returns when the callable throws, so under it this test would
@@ -37,7 +37,14 @@ TEST(CreateSource, FailedInstallationPassesItsExceptionAndIsTriedAgain) {
     (void)ui::core::create_source(where);
     FAIL() << "the first installation should have failed";
   } catch (const std::runtime_error& e) {
-    EXPECT_STREQ(e.what(), "the flaky bundle refuses its first start");
+    // The framework reports the failed start itself, naming the bundle and
+    // ending with what the activator threw.
+    const std::string what = e.what();
+    EXPECT_EQ(what.rfind("Bundle flaky_source_creator (location= ", 0), 0u) << what;
+    const std::string tail = ") start failed: the flaky bundle refuses its first start";
+    ASSERT_GE(what.size(), tail.size()) << what;
+    EXPECT_EQ(what.substr(what.size() - tail.size()), tail) << what;
+    EXPECT_NE(what.find("libflaky_source_creator.so"), std::string::npos) << what;
   }
   EXPECT_EQ(bundle_probe::count(Event::start_called, "flaky"), 1);
   EXPECT_EQ(bundle_probe::count(Event::started, "flaky"), 0);
