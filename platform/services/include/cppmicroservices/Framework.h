@@ -1,53 +1,73 @@
-// cppmicroservices/Framework.h - a running instance of the service registry
+// cppmicroservices/Framework.h - a framework, the bundle that runs the others
 //
-// A framework owns one service registry. It is made by FrameworkFactory,
-// started, and stopped when the process no longer needs it:
+// A framework holds the service registry and the installed bundles. It is
+// itself a Bundle (id 0, named "system_bundle", at location "System
+// Bundle"): FrameworkFactory makes one, Start starts it, and its context
+// (GetBundleContext) installs bundles and registers and finds services.
 //
 //   cppmicroservices::Framework framework = cppmicroservices::FrameworkFactory().NewFramework();
 //   framework.Start();
 //   cppmicroservices::BundleContext context = framework.GetBundleContext();
 //   ...
-//   framework.Stop();  // every service is withdrawn; `context` reads false
+//   framework.Stop();
+//   framework.WaitForStop(std::chrono::milliseconds::zero());
+//
+// Stop() stops every active bundle, in reverse order of their locations (as
+// strings), then invalidates the framework's context and forgets every
+// installed bundle and every registration; `context` reads false from then
+// on. Services registered through the framework's own context are not
+// unregistered: their registrations still work (Unregister succeeds and
+// releases the object), but no lookup finds them any more. Only a framework
+// that was started, not just initialised, stops its bundles. WaitForStop
+// returns once the framework has stopped. This registry stops the framework
+// before Stop returns; an installed CppMicroServices stops it on another
+// thread, so code meant for both waits before relying on the stop.
+// A stopped framework may be started again, with a new context and no
+// bundles; contexts of the earlier run stay invalid.
 
 #ifndef CPPMICROSERVICES_FRAMEWORK_H
 #define CPPMICROSERVICES_FRAMEWORK_H
 
+#include <chrono>
 #include <memory>
-#include <utility>
 
-#include "cppmicroservices/BundleContext.h"
+#include "cppmicroservices/Bundle.h"
 
 namespace cppmicroservices {
 
-class FrameworkFactory;
+class FrameworkEvent;
+class FrameworkPrivate;
 
 /// Ownership: a handle; copies control the same framework. Threads: Start,
-/// Stop and GetBundleContext may be called on any threads at once.
-class Framework {
+/// Stop, Init, WaitForStop and GetBundleContext may be called on any threads
+/// at once.
+class Framework : public Bundle {
  public:
-  /// A framework of nothing; its context reads false and Start throws.
-  Framework() = default;
+  /// The framework `b` is (the bundle with id 0 of a framework); throws
+  /// std::logic_error("Not a framework bundle") for another bundle, and
+  /// std::invalid_argument("invalid bundle") for a bundle of nothing.
+  explicit Framework(Bundle b);
 
-  /// Starts the framework; a running framework stays as it is. Contexts
-  /// obtained from then on are valid. A framework that was stopped may be
-  /// started again, but the contexts of its earlier run stay invalid.
-  void Start();
+  Framework(Framework const& fw);
+  Framework(Framework&& fw) noexcept;
+  Framework& operator=(Framework const& fw);
+  Framework& operator=(Framework&& fw) noexcept;
 
-  /// Stops the framework: every service is unregistered, and every context
-  /// of this run reads false from then on. The service objects the registry
-  /// held are released after its lock is, last registered first. Stopping a
-  /// framework that does not run does nothing.
-  void Stop();
+  /// Prepares the framework without starting it: its context becomes valid
+  /// and bundles may be installed and started (state STATE_STARTING). An
+  /// initialised or active framework stays as it is.
+  void Init();
 
-  /// The framework's context: valid while the framework runs.
-  [[nodiscard]] BundleContext GetBundleContext() const;
+  /// Waits until the framework has stopped, at most `timeout` (zero: without
+  /// limit), and tells why: FRAMEWORK_STOPPED; FRAMEWORK_WAIT_TIMEDOUT when
+  /// the time ran out; FRAMEWORK_ERROR for a framework that never ran.
+  /// Returns at once when the framework does not run.
+  FrameworkEvent WaitForStop(std::chrono::milliseconds const& timeout);
 
  private:
   friend class FrameworkFactory;
 
-  explicit Framework(std::shared_ptr<detail::Registry> registry) : registry_(std::move(registry)) {}
-
-  std::shared_ptr<detail::Registry> registry_;
+  Framework(std::shared_ptr<FrameworkPrivate> const& d);
 };
 
 }  // namespace cppmicroservices

@@ -1,18 +1,23 @@
 // cppmicroservices/FrameworkFactory.h - making frameworks
 //
-//   auto framework = cppmicroservices::FrameworkFactory().NewFramework();
+//   #include "cppmicroservices/Framework.h"
+//   #include "cppmicroservices/FrameworkFactory.h"
+//
+//   cppmicroservices::Framework framework = cppmicroservices::FrameworkFactory().NewFramework();
+//   framework.Start();
 
 #ifndef CPPMICROSERVICES_FRAMEWORKFACTORY_H
 #define CPPMICROSERVICES_FRAMEWORKFACTORY_H
 
-#include "cppmicroservices/Framework.h"
-
 namespace cppmicroservices {
+
+class Framework;
 
 class FrameworkFactory {
  public:
-  /// A new framework with an empty registry, not yet started.
-  [[nodiscard]] Framework NewFramework();
+  /// A new framework with no bundles and no services, not started (state
+  /// STATE_INSTALLED); its context reads false until Init or Start.
+  Framework NewFramework();
 };
 
 }  // namespace cppmicroservices

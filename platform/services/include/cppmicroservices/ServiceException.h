@@ -1,30 +1,52 @@
-// cppmicroservices/ServiceException.h - the failures the registry reports
+// cppmicroservices/ServiceException.h - failures of the service layer
 //
-// The registry throws ServiceException for a misused service interface, such
-// as one whose interface id is empty; its text says what went wrong.
+// ServiceException reports a misused service interface, such as one whose
+// interface id is empty; GetType() tells the kind of failure, what() the text.
+//
+//   try {
+//     auto ref = context.GetServiceReference<Unnamed>();
+//   } catch (const cppmicroservices::ServiceException& e) {
+//     // e.GetType() == ServiceException::UNSPECIFIED
+//   }
 
 #ifndef CPPMICROSERVICES_SERVICEEXCEPTION_H
 #define CPPMICROSERVICES_SERVICEEXCEPTION_H
 
+#include <ostream>
 #include <stdexcept>
 #include <string>
 
 namespace cppmicroservices {
 
+/// Ownership: a value. Threads: like an int.
 class ServiceException : public std::runtime_error {
  public:
-  /// What kind of failure it is; the registry itself reports UNSPECIFIED.
-  enum Type { UNSPECIFIED = 0, UNREGISTERED = 1, FACTORY_ERROR = 2, FACTORY_EXCEPTION = 3 };
+  /// The kind of failure. The framework throws UNSPECIFIED for a misused
+  /// interface; the other kinds belong to parts of the service layer this
+  /// registry leaves out (service factories, remote services).
+  enum Type {
+    UNSPECIFIED = 0,
+    UNREGISTERED = 1,
+    FACTORY_ERROR = 2,
+    FACTORY_EXCEPTION = 3,
+    REMOTE = 5,
+    FACTORY_RECURSION = 6
+  };
 
-  explicit ServiceException(const std::string& message, Type type = UNSPECIFIED)
-      : std::runtime_error(message), type_(type) {}
+  ServiceException(std::string const& msg, Type const& type = UNSPECIFIED);
+  ServiceException(ServiceException const& o);
+  ServiceException& operator=(ServiceException const& o);
+  ~ServiceException() override;
 
-  [[nodiscard]] Type GetType() const noexcept { return type_; }
+  Type GetType() const;
 
  private:
-  Type type_;
+  Type type;
 };
 
 }  // namespace cppmicroservices
+
+/// Writes "ServiceException: " and the text.
+std::ostream& operator<<(std::ostream& os, cppmicroservices::ServiceException const& exc);
 
 #endif  // CPPMICROSERVICES_SERVICEEXCEPTION_H

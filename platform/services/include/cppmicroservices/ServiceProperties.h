@@ -1,7 +1,12 @@
 // cppmicroservices/ServiceProperties.h - the properties a service is registered with
 //
-// A map from property name to value, given to BundleContext::RegisterService
-// and copied by the registry; see Constants.h for the names it reads.
+// A map from property name to value, given to BundleContext::RegisterService,
+// which keeps a copy. Names are compared without regard to case: two names
+// that differ only in case may not both be given. See Constants.h for the
+// names the framework reads and sets.
+//
+//   cppmicroservices::ServiceProperties props{
+//       {cppmicroservices::Constants::SERVICE_RANKING, cppmicroservices::Any(10)}};
 
 #ifndef CPPMICROSERVICES_SERVICEPROPERTIES_H
 #define CPPMICROSERVICES_SERVICEPROPERTIES_H
@@ -10,7 +15,6 @@
 #include <unordered_map>
 
 #include "cppmicroservices/Any.h"
-#include "cppmicroservices/Constants.h"
 
 namespace cppmicroservices {
 

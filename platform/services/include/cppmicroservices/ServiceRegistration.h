@@ -1,58 +1,64 @@
-// cppmicroservices/ServiceRegistration.h - the registering side's handle on a service
+// cppmicroservices/ServiceRegistration.h - the registering side's handle on a service, typed
 //
-// BundleContext::RegisterService returns a registration; its owner calls
-// Unregister() to withdraw the service. The registry then drops its own
-// reference to the service object, which is destroyed once no user holds it.
+// ServiceRegistration<I1, Interfaces...> is what
+// BundleContext::RegisterService<I1, Interfaces...> returns; GetReference()
+// gives a reference to the service as I1, GetReference<I>() as any of the
+// interfaces it was registered under:
 //
-//   auto reg = context.RegisterService<Clock>(std::make_shared<SystemClock>());
-//   ...
+//   auto reg = context.RegisterService<Clock, Timer>(std::make_shared<ClockAndTimer>());
+//   cppmicroservices::ServiceReference<Timer> timer = reg.GetReference<Timer>();
 //   reg.Unregister();
+//
+// Everything else is ServiceRegistrationBase's.
 
 #ifndef CPPMICROSERVICES_SERVICEREGISTRATION_H
 #define CPPMICROSERVICES_SERVICEREGISTRATION_H
 
-#include <memory>
-#include <utility>
+#include "cppmicroservices/ServiceInterface.h"
+#include "cppmicroservices/ServiceRegistrationBase.h"
 
 namespace cppmicroservices {
 
-class BundleContext;
-
-namespace detail {
-class ServiceRecord;
-}
-
-/// Ownership: a handle; copies control the same registration. Threads: copies
-/// may be used on any threads at once; one object is like an int.
-class ServiceRegistrationBase {
+/// Ownership and threads: as ServiceRegistrationBase.
+template <class I1, class... Interfaces>
+class ServiceRegistration : public ServiceRegistrationBase {
  public:
-  /// A registration of nothing; Unregister() on it throws.
-  ServiceRegistrationBase() = default;
+  /// A registration of nothing.
+  ServiceRegistration() : ServiceRegistrationBase() {}
 
-  /// Withdraws the service: references to it read false from then on and
-  /// lookups no longer find it. The service object's destructor, if the
-  /// registry held the last reference, runs after the registry's lock is
-  /// released, so it may use the registry. Throws std::logic_error when the
-  /// registration is empty or was already withdrawn (also by a stopped framework).
-  void Unregister();
+  /// A reference to the service as Interface, one of the interfaces it was
+  /// registered under. Throws as ServiceRegistrationBase::GetReference.
+  template <class Interface>
+  ServiceReference<Interface> GetReference() const {
+    static_assert(detail::Contains<Interface, I1, Interfaces...>::value,
+                  "Requested interface type not available");
+    return this->ServiceRegistrationBase::GetReference(us_service_interface_iid<Interface>());
+  }
+
+  /// A reference to the service as I1.
+  ServiceReference<I1> GetReference() const {
+    return this->ServiceRegistrationBase::GetReference(us_service_interface_iid<I1>());
+  }
+
+  using ServiceRegistrationBase::operator=;
 
  private:
   friend class BundleContext;
 
-  explicit ServiceRegistrationBase(std::shared_ptr<detail::ServiceRecord> record)
-      : record_(std::move(record)) {}
-
-  std::shared_ptr<detail::ServiceRecord> record_;
+  ServiceRegistration(ServiceRegistrationBase const& base) : ServiceRegistrationBase(base) {}
 };
 
-/// A registration typed by the interface the service was registered under.
-template <class I>
-class ServiceRegistration : public ServiceRegistrationBase {
+/// A registration whose interfaces are not known at compile time.
+template <>
+class ServiceRegistration<void> : public ServiceRegistrationBase {
  public:
-  ServiceRegistration() = default;
-  explicit ServiceRegistration(const ServiceRegistrationBase& base)
-      : ServiceRegistrationBase(base) {}
+  ServiceRegistration() : ServiceRegistrationBase() {}
+  ServiceRegistration(ServiceRegistrationBase const& base) : ServiceRegistrationBase(base) {}
+
+  using ServiceRegistrationBase::operator=;
 };
+
+using ServiceRegistrationU = ServiceRegistration<void>;
 
 }  // namespace cppmicroservices
 
