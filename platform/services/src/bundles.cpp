@@ -38,6 +38,12 @@ const char* const kInvalidContext = "The bundle context is no longer valid";
   throw IllegalStateException(kInvalidContext);
 }
 
+// What GetService says of a reference that refers to no registered service.
+[[noreturn]] void ThrowInvalidReference() {
+  throw std::invalid_argument(
+      "Default constructed ServiceReference is not a valid input to GetService()");
+}
+
 // A symbol of the library `handle` itself, not of a library it depends on;
 // null when it has none.
 void* OwnSymbol(void* handle, std::string const& name) {
@@ -123,10 +129,7 @@ ServiceReferenceU BundleContext::GetServiceReference(std::string const& clazz) {
 }
 
 std::shared_ptr<void> BundleContext::GetService(ServiceReferenceBase const& reference) {
-  if (!reference) {
-    throw std::invalid_argument(
-        "Default constructed ServiceReference is not a valid input to GetService()");
-  }
+  if (!reference) ThrowInvalidReference();
   if (!d) ThrowInvalidContext();
   d->CheckValid();
   ServiceRegistrationCoreInfo& info = *reference.d->coreInfo;
@@ -136,10 +139,7 @@ std::shared_ptr<void> BundleContext::GetService(ServiceReferenceBase const& refe
 }
 
 InterfaceMapConstPtr BundleContext::GetService(ServiceReferenceU const& reference) {
-  if (!reference) {
-    throw std::invalid_argument(
-        "Default constructed ServiceReference is not a valid input to GetService()");
-  }
+  if (!reference) ThrowInvalidReference();
   if (!d) ThrowInvalidContext();
   d->CheckValid();
   ServiceRegistrationCoreInfo& info = *reference.d->coreInfo;
