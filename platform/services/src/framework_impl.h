@@ -95,7 +95,8 @@ class ServiceRegistrationBasePrivate {
 /// What a ServiceReferenceBase handle shares; immutable.
 class ServiceReferenceBasePrivate {
  public:
-  ServiceReferenceBasePrivate() = default;
+  // A reference to no service.
+  ServiceReferenceBasePrivate() : registration(), coreInfo(), interfaceId() {}
   ServiceReferenceBasePrivate(std::weak_ptr<ServiceRegistrationBasePrivate> reg,
                               std::shared_ptr<ServiceRegistrationCoreInfo> info, std::string id)
       : registration(std::move(reg)), coreInfo(std::move(info)), interfaceId(std::move(id)) {}
