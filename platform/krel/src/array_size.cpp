@@ -8,6 +8,22 @@
 
 namespace krel {
 
+// g++ 12 reports a read past the inline buffer in small_vector's moves
+// (-Wstringop-overread) on paths that cannot be taken; nothing else here is
+// silenced.
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ == 12
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wstringop-overread"
+#endif
+ArraySize::ArraySize(const ArraySize& other) = default;
+ArraySize::ArraySize(ArraySize&& other) noexcept = default;
+ArraySize& ArraySize::operator=(const ArraySize& other) = default;
+ArraySize& ArraySize::operator=(ArraySize&& other) noexcept = default;
+ArraySize::~ArraySize() = default;
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ == 12
+#pragma GCC diagnostic pop
+#endif
+
 std::size_t ArraySize::numElements() const noexcept {
   std::size_t product = 1;
   bool saturated = false;

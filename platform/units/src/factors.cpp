@@ -103,9 +103,15 @@ RawExpr to_raw_expr(const Factors& factors) {
       append_power(numerator, id, exponent);
     }
   }
-  if (numerator.empty()) numerator = "1";
+  if (numerator.empty()) numerator.push_back('1');
   if (below == 0) return RawExpr(std::move(numerator));
-  return RawExpr(numerator + "/" + (below > 1 ? "(" + denominator + ")" : denominator));
+  // Built by appending: g++ 12 warns (-Wrestrict, a false positive) about
+  // the inlined copies of `"literal" + string` and of assigning a literal.
+  numerator += '/';
+  if (below > 1) numerator += '(';
+  numerator += denominator;
+  if (below > 1) numerator += ')';
+  return RawExpr(std::move(numerator));
 }
 
 }  // namespace units2::core

@@ -85,12 +85,23 @@ std::string text(const ConversionRational& r) {
   return to_string(r);
 }
 
+// "(text)". Appended piece by piece: g++ 12 warns (-Wrestrict, a false
+// positive) about the inlined copy in `"(" + text`.
+std::string parenthesised(const std::string& text) {
+  std::string out;
+  out.reserve(text.size() + 2);
+  out += '(';
+  out += text;
+  out += ')';
+  return out;
+}
+
 std::string base_text(const ConversionRational& base) {
-  return base.isInteger() ? to_string(base) : "(" + to_string(base) + ")";
+  return base.isInteger() ? to_string(base) : parenthesised(to_string(base));
 }
 
 std::string exponent_text(const Exponent& e) {
-  return e.isInteger() ? to_string(e) : "(" + to_string(e) + ")";
+  return e.isInteger() ? to_string(e) : parenthesised(to_string(e));
 }
 
 }  // namespace

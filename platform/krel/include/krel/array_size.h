@@ -38,6 +38,15 @@ class ArraySize {
   ArraySize(Rows rows, Cols cols)
       : dims_{static_cast<std::size_t>(rows), static_cast<std::size_t>(cols)} {}
 
+  // Copies and moves are defined in the library rather than inline: inlined
+  // into callers, the moves of Boost's small_vector make g++ 12 warn about
+  // an impossible read (-Wstringop-overread, a false positive).
+  ArraySize(const ArraySize& other);
+  ArraySize(ArraySize&& other) noexcept;
+  ArraySize& operator=(const ArraySize& other);
+  ArraySize& operator=(ArraySize&& other) noexcept;
+  ~ArraySize();
+
   /// The number of stored dimensions.
   [[nodiscard]] std::size_t size() const noexcept { return dims_.size(); }
 

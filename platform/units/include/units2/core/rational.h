@@ -183,7 +183,10 @@ class FiniteRational {
   /// "n" for an integer, "n/d" otherwise.
   friend std::string to_string(const FiniteRational& r) {
     std::string out = detail::integer_text(r.numerator());
-    if (!r.isInteger()) out += "/" + detail::integer_text(r.denominator());
+    if (!r.isInteger()) {
+      out += '/';
+      out += detail::integer_text(r.denominator());
+    }
     return out;
   }
   friend std::ostream& operator<<(std::ostream& os, const FiniteRational& r) {
