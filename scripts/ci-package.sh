@@ -37,7 +37,8 @@ trap 'exit 1' INT TERM
 
 echo "== build: release, installed under /usr ($build)"
 # shellcheck disable=SC2086
-cmake --preset release -B "$build" -DCMAKE_INSTALL_PREFIX=/usr -DUI_CORE_BUILD_TESTS=OFF \
+# Warnings as errors: a user's first (release) build must print none.
+cmake --preset release -B "$build" -DCMAKE_INSTALL_PREFIX=/usr -DUI_CORE_WERROR=ON -DUI_CORE_BUILD_TESTS=OFF \
   -DUI_CORE_BUILD_BENCH=OFF -DUI_CORE_BUILD_EXAMPLES=OFF ${UI_CORE_PACKAGE_CMAKE_ARGS:-} >/dev/null
 cmake --build "$build" -j2
 
@@ -65,7 +66,7 @@ if ldd /usr/bin/ui-core | grep 'not found'; then
   exit 1
 fi
 ldd /usr/bin/ui-core | grep ui_core
-libdir=$(dirname "$(dpkg -L "$name" | grep '/libui_core\.so\.[0-9]*$')")
+libdir=$(dirname "$(dpkg -L "$name" | grep '/libui_core\.so$')")
 echo "libraries in $libdir"
 allowed=${UI_CORE_PACKAGE_ALLOWED_RUNPATH:-}
 if readelf -d /usr/bin/ui-core "$libdir"/libui_core*.so.*.*.* "$libdir"/ui_core/bundles/*/*.so |
@@ -95,7 +96,7 @@ test "$(pkg-config --variable=pcfiledir ui_core)" = "$libdir/pkgconfig"
 echo "ui_core $(pkg-config --modversion ui_core): $(pkg-config --cflags --libs ui_core)"
 for example in node_path source; do
   # shellcheck disable=SC2046
-  g++ -Wall -Wextra -Werror -o "$work/pc_$example" "examples/$example.cpp" \
+  g++ -std=c++20 -Wall -Wextra -Werror -o "$work/pc_$example" "examples/$example.cpp" \
     $(pkg-config --cflags --libs ui_core)
   "$work/pc_$example"
 done
