@@ -17,8 +17,11 @@ resource_core::BaseMsgID::Argument argument_for(const std::u16string& pattern, s
                                                 const std::string& arg) {
   const bool digits =
       !arg.empty() && arg.size() <= 20 && arg.find_first_not_of("0123456789") == std::string::npos;
-  const std::u16string marker =
-      u"{" + krel::utf8_string_to_ustring(std::to_string(index)) + u",number";
+  // Appended piece by piece: g++ 12 warns (-Wrestrict, a false positive)
+  // about the inlined copy in `u"{" + text`.
+  std::u16string marker = u"{";
+  marker += krel::utf8_string_to_ustring(std::to_string(index));
+  marker += u",number";
   if (digits && pattern.find(marker) != std::u16string::npos) {
     try {
       return std::uint64_t{std::stoull(arg)};
