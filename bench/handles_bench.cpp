@@ -86,6 +86,33 @@ void Copy_ObjectPath(benchmark::State& state) {
 }
 BENCHMARK(Copy_ObjectPath);
 
+// Comparing two equal values built separately, so that no record is shared and
+// every code unit is compared: a node path parsed twice against a vector of
+// the same four strings built twice.
+template <class T>
+void compare_equal(benchmark::State& state, T a, T b) {
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(a);
+    benchmark::DoNotOptimize(b);
+    benchmark::DoNotOptimize(a == b);
+  }
+  if (!(a == b)) state.SkipWithError("the values are not equal");
+}
+
+void Equal_vector4_u16string(benchmark::State& state) {
+  const auto make = [] {
+    return std::vector<std::u16string>{u"Controller", u"Gain", u"signal_out", u"value"};
+  };
+  compare_equal(state, make(), make());
+}
+BENCHMARK(Equal_vector4_u16string);
+
+void Equal_NodePath(benchmark::State& state) {
+  const std::u16string text = u"Controller/Gain/signal_out/value";
+  compare_equal(state, NodePath(text), NodePath(text));
+}
+BENCHMARK(Equal_NodePath);
+
 void Hash_subscript_element_cached(benchmark::State& state) {
   const ObjectPathElement e(ObjectPathSubscript({2, 3, 4}));
   benchmark::DoNotOptimize(hash_value(e));  // the first call fills the cache

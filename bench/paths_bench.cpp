@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "counting.h"
@@ -265,5 +266,44 @@ void ObjectPath_append(benchmark::State& state) {
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
 }
 BENCHMARK(ObjectPath_append)->RangeMultiplier(10)->Range(10, 100000);
+
+// Appending a path of one identifier n times, with +=, with + into the moved
+// path itself, and to a NodePath1: the time per identifier (items_per_second)
+// should not fall as n grows.
+void NodePath_append(benchmark::State& state) {
+  const auto n = static_cast<std::size_t>(state.range(0));
+  const ui::core::NodePath one(u"signal");
+  for (auto _ : state) {
+    ui::core::NodePath p;
+    for (std::size_t i = 0; i < n; ++i) p += one;
+    benchmark::DoNotOptimize(p.size());
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
+}
+BENCHMARK(NodePath_append)->RangeMultiplier(10)->Range(10, 100000);
+
+void NodePath_append_plus(benchmark::State& state) {
+  const auto n = static_cast<std::size_t>(state.range(0));
+  const ui::core::NodePath one(u"signal");
+  for (auto _ : state) {
+    ui::core::NodePath p;
+    for (std::size_t i = 0; i < n; ++i) p = std::move(p) + one;
+    benchmark::DoNotOptimize(p.size());
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
+}
+BENCHMARK(NodePath_append_plus)->RangeMultiplier(10)->Range(10, 100000);
+
+void NodePath1_append(benchmark::State& state) {
+  const auto n = static_cast<std::size_t>(state.range(0));
+  const ui::core::NodePath one(u"signal");
+  for (auto _ : state) {
+    ui::core::NodePath1 p(one.front());
+    for (std::size_t i = 1; i < n; ++i) p += one;
+    benchmark::DoNotOptimize(p.size());
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
+}
+BENCHMARK(NodePath1_append)->RangeMultiplier(10)->Range(10, 100000);
 
 }  // namespace

@@ -22,7 +22,7 @@ bool first_call(benchmark::State& state, const Key& key) {
 }
 
 void CreateSource_location(benchmark::State& state) {
-  const krel::Location where(u"plant.ssc", 12, 5);
+  const krel::Location where(u"plant.model", 12, 5);
   if (!first_call(state, where)) return;
   for (auto _ : state) {
     auto source = ui::core::create_source(where);

@@ -16,17 +16,17 @@ function(ui_core_platform_library name)
   add_library(ui_core::${name} ALIAS ui_core_${name})
   set_target_properties(ui_core_${name} PROPERTIES EXPORT_NAME ${name} OUTPUT_NAME ui_core_${name}
                                                    VERSION ${PROJECT_VERSION}
-                                                   SOVERSION ${PROJECT_VERSION_MAJOR})
+                                                   SOVERSION ${UI_CORE_SOVERSION})
   target_compile_features(ui_core_${name} PUBLIC cxx_std_20)
   target_include_directories(ui_core_${name} PUBLIC
     $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
-    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    $<INSTALL_INTERFACE:${UI_CORE_INSTALL_PLATFORM_INCLUDEDIR}>)
   ui_core_warnings(ui_core_${name})
   install(TARGETS ui_core_${name} EXPORT ui_core-targets
           LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
           ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
           RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/include/ DESTINATION ${UI_CORE_INSTALL_PLATFORM_INCLUDEDIR})
 endfunction()
 
 # A GoogleTest executable registered with CTest, one test per TEST().

@@ -1,19 +1,17 @@
-// object_path: object paths as keys of an unordered map.
+// object_path: object paths as keys of an unordered map and of a map.
 //
 // An object path leads from an object to a part of it through names and
 // 1-based subscripts ("a///1, 2/b": the name a, the subscript (1, 2), the name
-// b). Elements come with std::hash and hash_value; a whole path has no hash of
-// its own, so a map keyed by paths combines the element hashes in order, as
-// the small hasher below does. Paths that parse from different spellings of
-// the same elements ("// 2 ,3" and "//2, 3") are equal and find one entry.
+// b). Paths come with std::hash (and hash_value, for Boost's containers),
+// built from the hashes of their elements in order, and with an ordering
+// (every subscript before every name, names by code unit, a prefix first).
+// Paths that parse from different spellings of the same elements ("// 2 ,3"
+// and "//2, 3") are equal and find one entry.
 
-#include <cstddef>
-#include <functional>
 #include <iostream>
+#include <map>
 #include <string>
 #include <unordered_map>
-
-#include <boost/container_hash/hash.hpp>
 
 #include "krel/ustring.h"
 #include "ui/core/object_path.h"
@@ -23,17 +21,6 @@ namespace {
 std::string utf8(const krel::ustring& text) {
   return krel::ustring_to_utf8_string(text);
 }
-
-// Order matters: a/b and b/a are different paths and should hash differently.
-struct ObjectPathHash {
-  std::size_t operator()(const ui::core::ObjectPath& path) const {
-    std::size_t seed = path.size();
-    for (const ui::core::ObjectPathElement& e : path) {
-      boost::hash_combine(seed, std::hash<ui::core::ObjectPathElement>{}(e));
-    }
-    return seed;
-  }
-};
 
 }  // namespace
 
@@ -45,7 +32,7 @@ int main() {
               << "  hash " << hash_value(e) << '\n';
   }
 
-  std::unordered_map<ui::core::ObjectPath, double, ObjectPathHash> values;
+  std::unordered_map<ui::core::ObjectPath, double> values;
   values[gain] = 2.5;
   values[ui::core::to_object_path(u"x///2, 3")] = 7.0;
   values[ui::core::to_object_path(u"x///3, 2")] = -1.0;
@@ -59,6 +46,12 @@ int main() {
   }
   std::cout << "map size: " << values.size() << '\n';
   std::cout << "lookup x/// 2 ,3 -> " << utf8(found->first) << " = " << found->second << '\n';
+
+  // The same entries in order: x///2, 3 before x///3, 2 by their first value.
+  const std::map<ui::core::ObjectPath, double> sorted(values.begin(), values.end());
+  std::cout << "in order:";
+  for (const auto& [path, value] : sorted) std::cout << ' ' << utf8(path) << " = " << value << ';';
+  std::cout << '\n';
 
   // Appending builds a new key; the map does not hold it yet.
   const ui::core::ObjectPath longer = gain / ui::core::to_object_path(u"c");

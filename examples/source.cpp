@@ -36,7 +36,7 @@ std::string kind_name(ui::core::SourceKind kind) {
 }  // namespace
 
 int main() {
-  const krel::Location where(u"model/plant.ssc", 12, 5);
+  const krel::Location where(u"model/plant.model", 12, 5);
   boost::shared_ptr<ui::core::Source> at;
   try {
     at = ui::core::create_source(where);

@@ -45,9 +45,9 @@ cmake -S examples/third_party_bundle -B "$work/acme" -G Ninja -DCMAKE_PREFIX_PAT
   -DCMAKE_CXX_FLAGS=-Werror >/dev/null
 cmake --build "$work/acme" >/dev/null
 ctest --test-dir "$work/acme" --output-on-failure
-out=$(env -i KREL_BUNDLE_PATH="$work/acme/bundles" "$prefix/bin/ui-core" source --location plant.ssc:3:4)
+out=$(env -i KREL_BUNDLE_PATH="$work/acme/bundles" "$prefix/bin/ui-core" source --location plant.model:3:4)
 echo "ui-core with the bundle: $out"
-test "$out" = "made by acme: plant.ssc line 3, column 4"
+test "$out" = "made by acme: plant.model line 3, column 4"
 
 echo "== the installed ui-core makes sources with an empty environment"
 check() {
@@ -60,7 +60,7 @@ check() {
     exit 1
   fi
 }
-check "model/plant.ssc:12:5" source --location model/plant.ssc:12:5
+check "model/plant.model:12:5" source --location model/plant.model:12:5
 check "block model/Sub/Gain" source --block model/Sub/Gain
 check "dialog of block model/Sub/Gain" source --block model/Sub/Gain --open-dialog
 
@@ -80,9 +80,39 @@ CPP
 for program in "$work/context.cpp" examples/source.cpp; do
   name=$(basename "$program" .cpp)
   # shellcheck disable=SC2046
-  g++ -Wall -Wextra -Werror -o "$work/pc_$name" "$program" $(pkg-config --cflags --libs ui_core)
+  g++ -std=c++20 -Wall -Wextra -Werror -o "$work/pc_$name" "$program" $(pkg-config --cflags --libs ui_core)
   LD_LIBRARY_PATH="$prefix/lib" "$work/pc_$name" >/dev/null
   echo "pkg-config build of $name.cpp runs"
 done
+
+echo "== the layout: platform headers in one folder of the project, SONAME major.minor"
+test -f "$prefix/include/ui_core/krel/bundles.h"
+test -f "$prefix/include/ui/core/node_id.h"
+for folder in krel lang msgcat units2 resource_core cppmicroservices; do
+  if [ -e "$prefix/include/$folder" ]; then
+    echo "$prefix/include/$folder: platform headers outside include/ui_core" >&2
+    exit 1
+  fi
+done
+version=$("$prefix/bin/ui-core" --version | sed 's/^ui-core //')
+soversion=$(echo "$version" | cut -d. -f1-2)
+case $version in
+  0.*) ;;
+  *) soversion=$(echo "$version" | cut -d. -f1) ;;
+esac
+readelf -d "$prefix/lib/libui_core.so" | grep -F "[libui_core.so.$soversion]"
+
+echo "== the consumer's own C++ standard is kept"
+cat >"$work/std.cpp" <<'CPP'
+#include "ui/core/node_id.h"
+
+static_assert(__cplusplus > 202002L, "the -std given before pkg-config's flags was overridden");
+
+int main() { return ui::core::is_node_path(u"a/b") ? 0 : 1; }
+CPP
+# shellcheck disable=SC2046
+g++ -std=c++23 -Wall -Wextra -Werror -o "$work/std" "$work/std.cpp" $(pkg-config --cflags --libs ui_core)
+LD_LIBRARY_PATH="$prefix/lib" "$work/std"
+echo "a C++23 program builds with the package's flags"
 
 echo "== installation checks passed"

@@ -74,7 +74,7 @@ if readelf -d /usr/bin/ui-core "$libdir"/libui_core*.so.*.*.* "$libdir"/ui_core/
   echo "installed programs and libraries in the system folders need no run path" >&2
   exit 1
 fi
-test "$(env -i /usr/bin/ui-core source --location model/plant.ssc:12:5)" = model/plant.ssc:12:5
+test "$(env -i /usr/bin/ui-core source --location model/plant.model:12:5)" = model/plant.model:12:5
 test "$(env -i /usr/bin/ui-core source --block model/Sub/Gain)" = "block model/Sub/Gain"
 test "$(env -i /usr/bin/ui-core source --block model/Sub/Gain --open-dialog)" = \
   "dialog of block model/Sub/Gain"

@@ -12,7 +12,7 @@
 
 int main() {
   const boost::shared_ptr<ui::core::Source> source =
-      ui::core::create_source(krel::Location(u"plant.ssc", 3, 4));
+      ui::core::create_source(krel::Location(u"plant.model", 3, 4));
   if (!source) {
     std::cerr << "no source was made\n";
     return 1;

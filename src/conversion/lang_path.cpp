@@ -37,12 +37,15 @@ lang::core::ContainerPath to_container_path(const NodePath& path) {
 }
 
 lang::core::ValuePath to_value_path(const NodePath1& path) {
+  // The tail is the last identifier; a NodePath1 emptied through ids() or by
+  // a move has none, and is refused here before anything is built.
+  path.check_();
   const std::vector<NodeId>& ids = path.ids();
   NodePath head;
   for (std::size_t i = 0; i + 1 < ids.size(); ++i) head.ids().push_back(ids[i]);
   return lang::core::ValuePath(
       to_container_path(head),
-      lang::core::ValueTail(lang::core::PathElementName(path.back().ustring()), std::nullopt));
+      lang::core::ValueTail(lang::core::PathElementName(ids.back().ustring()), std::nullopt));
 }
 
 NodePath to_node_path(const lang::core::ContainerPath& path) {

@@ -6,8 +6,8 @@
 #include <new>
 #include <ostream>
 
+#include "../common/hash_impl.h"
 #include "krel/ustring.h"
-#include "node_id_batch_impl.h"
 #include "node_sep_impl.h"
 #include "ui/core/detail/errors.h"
 
@@ -79,6 +79,17 @@ NodeId::NodeId(Checked, ui::core::ustring&& stored)
   assert(invariant_() && "NodeIdCheck accepted an invalid identifier");
 }
 
+NodeId::NodeId(Checked, const char16_t* first, const char16_t* last, bool may_hold_space)
+    : rep_(krel::Cow<Rep>::make(first, last)) {
+  if (may_hold_space) {
+    // The record is new and this handle its only holder, so it is written in
+    // place before anyone else can see it.
+    ui::core::ustring& text = rep_.write().text;
+    detail::clean_spaces(text.data(), text.data() + text.size());
+  }
+  assert(invariant_() && "the parser gives only checked identifiers");
+}
+
 std::optional<NodeId> NodeId::make(const ui::core::ustring& text) {
   auto checked = detail::NodeIdCheck{}(text);
   auto* stored = std::get_if<ui::core::ustring>(&checked);
@@ -86,18 +97,17 @@ std::optional<NodeId> NodeId::make(const ui::core::ustring& text) {
   return NodeId(Checked{}, std::move(*stored));
 }
 
-void NodeId::Rep::operator delete(Rep* rep, std::destroying_delete_t) noexcept {
-  detail::NodeIdBlock* const block = rep->block;
-  rep->~Rep();
-  if (block == nullptr) {
-    ::operator delete(static_cast<void*>(rep));
-  } else {
-    block->release();
-  }
+const ui::core::ustring& NodeId::moved_from_text() noexcept {
+  static const ui::core::ustring empty;
+  return empty;
 }
 
 bool NodeId::invariant_() const noexcept {
   return is_node_id(rep_.read().text);
+}
+
+std::size_t hash_value(const NodeId& id) noexcept {
+  return detail::hash_units(id.ustring().data(), id.ustring().size());
 }
 
 std::ostream& operator<<(std::ostream& os, const NodeId& id) {

@@ -7,8 +7,8 @@
 
 #include <boost/container/small_vector.hpp>
 
+#include "../common/hash_impl.h"
 #include "krel/ustring.h"
-#include "node_id_batch_impl.h"
 #include "node_sep_impl.h"
 #include "ui/core/detail/errors.h"
 
@@ -16,8 +16,9 @@ namespace ui::core {
 
 // The one parser behind every face: the record of a path text, or the message
 // that refuses it. The pieces are found and checked first, so nothing is built
-// for a text that is refused; then the path's record and the records of all
-// its identifiers are built in one block, and the sequence is reserved once.
+// for a text that is refused; then each identifier gets a record of its own
+// (so that an identifier kept after its path is gone holds only its own
+// memory), and the sequence is reserved once.
 struct detail::NodePathParser {
   using Rep = NodePathBase::Rep;
   // A new record with its one reference, null for the empty path, or the
@@ -64,20 +65,14 @@ struct detail::NodePathParser {
     if (!piece_ok(end)) return invalid_node_id(ustring(first, end));
     ends.push_back(end);
 
-    NodeIdBatch batch(ends.size(), sizeof(Rep));
     std::vector<NodeId> ids;
     ids.reserve(ends.size());
     first = begin;
     for (const char16_t* last : ends) {
-      batch.add_to(ids, first, last, may_hold_space);
+      ids.push_back(NodeId(NodeId::Checked{}, first, last, may_hold_space));
       first = last + 1;
     }
-    // Nothing below throws: the path's record takes the identifiers over in
-    // the room kept for it at the front of the block.
-    Rep* const rep = ::new (batch.front()) Rep(std::move(ids));
-    rep->block = batch.block();
-    batch.take_front_reference();
-    return rep;
+    return new Rep(std::move(ids));
   }
 
   static krel::Cow<Rep> handle(Rep* rep) noexcept {
@@ -100,35 +95,7 @@ struct detail::NodePathParser {
     static_cast<NodePathBase&>(*path).rep_.swap(record);
     return path;
   }
-
-  // Destroys a path record that lives in a block. The identifiers whose
-  // records are in the same block and held by this path alone are destroyed
-  // here, and their references to the block are given back together with
-  // the path's own in one step; the others are released as usual.
-  static void destroy_in_block(Rep* rep) noexcept {
-    NodeIdBlock* const block = rep->block;
-    std::size_t references = 1;
-    for (NodeId& id : rep->ids) {
-      NodeId::Rep* const record = id.rep_.get();
-      if (record->block == block && record->count.is_one()) {
-        (void)id.rep_.release_record();
-        record->~Rep();
-        ++references;
-      }
-    }
-    rep->~Rep();
-    block->release(references);
-  }
 };
-
-void NodePathBase::Rep::operator delete(Rep* rep, std::destroying_delete_t) noexcept {
-  if (rep->block != nullptr) {
-    detail::NodePathParser::destroy_in_block(rep);
-    return;
-  }
-  rep->~Rep();
-  ::operator delete(static_cast<void*>(rep));
-}
 
 NodePathBase::Rep& NodePathBase::Rep::shared_empty() noexcept {
   // A union member is not destroyed with the union, so the record outlives
@@ -174,7 +141,24 @@ ui::core::ustring NodePathBase::ustring() const {
 }
 
 bool operator==(const NodePathBase& a, const NodePathBase& b) noexcept {
-  return a.shares_storage_with(b) || a.ids() == b.ids();
+  if (a.shares_storage_with(b)) return true;
+  const std::vector<NodeId>& x = a.ids();
+  const std::vector<NodeId>& y = b.ids();
+  if (x.size() != y.size()) return false;
+  for (std::size_t i = 0; i != x.size(); ++i) {
+    if (!(x[i] == y[i])) return false;
+  }
+  return true;
+}
+
+std::strong_ordering operator<=>(const NodePathBase& a, const NodePathBase& b) noexcept {
+  if (a.shares_storage_with(b)) return std::strong_ordering::equal;
+  return std::lexicographical_compare_three_way(a.begin(), a.end(), b.begin(), b.end());
+}
+
+std::size_t hash_value(const NodePathBase& path) noexcept {
+  return detail::combine_all(path.begin(), path.end(),
+                             [](const NodeId& id) { return hash_value(id); });
 }
 
 void NodePathBase::append_(const NodePathBase& other) {
@@ -183,16 +167,24 @@ void NodePathBase::append_(const NodePathBase& other) {
     rep_ = other.rep_;
     return;
   }
-  // Hold a share of `other`'s record. When it is this path's record (`other` is
-  // this path or a copy of it), the write below then copies, so the identifiers
-  // being appended stay where they are while the sequence grows.
-  const krel::Cow<Rep> source = other.rep_;
-  const std::vector<NodeId>& from = source.read().ids;
+  // When `other` is this very path, growing the sequence would move the
+  // identifiers being appended; a share of the record keeps them in place
+  // (and makes the write below copy). Any other path that shares the record
+  // holds it already, so the write copies anyway.
+  std::optional<krel::Cow<Rep>> self_share;
+  if (&other == this) self_share.emplace(other.rep_);
+  const std::vector<NodeId>& from = other.ids();
   std::vector<NodeId>& to = rep_.write().ids;
-  // reserve is the only step that can fail; once it succeeded, copying NodeIds
-  // cannot throw, so the path is either unchanged or fully appended.
-  to.reserve(to.size() + from.size());
+  // Growing to at least twice the room keeps repeated appends linear in
+  // total. reserve is the only step that can fail; once it succeeded, copying
+  // NodeIds cannot throw, so the path is either unchanged or fully appended.
+  const std::size_t needed = to.size() + from.size();
+  if (needed > to.capacity()) to.reserve(std::max(needed, 2 * to.capacity()));
   to.insert(to.end(), from.begin(), from.end());
+}
+
+void NodePathBase::check_not_empty_() const {
+  if (empty()) detail::throw_message(detail::invalid_node_path1(ustring()));
 }
 
 std::ostream& operator<<(std::ostream& os, const NodePathBase& path) {
@@ -232,7 +224,7 @@ NodePath1& NodePath1::operator+=(const NodePathBase& other) {
 }
 
 void NodePath1::check_() const {
-  if (empty()) detail::throw_message(detail::invalid_node_path1(ustring()));
+  check_not_empty_();
 }
 
 std::optional<NodePath> relpath(const NodePathBase& path, const NodePathBase& base) {

@@ -1,9 +1,11 @@
 #include "ui/core/object_path.h"
 
+#include <algorithm>
 #include <cassert>
 #include <optional>
 #include <ostream>
 
+#include "../common/hash_impl.h"
 #include "krel/ustring.h"
 #include "object_path_impl.h"
 #include "ui/core/detail/errors.h"
@@ -109,6 +111,22 @@ ObjectPath operator/(const ObjectPath& a, const ObjectPath& b) {
   ObjectPath joined = a;  // shares a's block until the append below copies it
   joined /= b;
   return joined;
+}
+
+std::weak_ordering operator<=>(const ObjectPath& a, const ObjectPath& b) {
+  if (a.shares_storage_with(b)) return std::weak_ordering::equivalent;
+  const std::size_t n = std::min(a.size(), b.size());
+  for (std::size_t i = 0; i != n; ++i) {
+    if (const int c = compare(a[i], b[i]); c != 0) {
+      return c == 1 ? std::weak_ordering::less : std::weak_ordering::greater;
+    }
+  }
+  return a.size() <=> b.size();
+}
+
+std::size_t hash_value(const ObjectPath& path) {
+  return detail::combine_all(path.begin(), path.end(),
+                             [](const ObjectPathElement& e) { return hash_value(e); });
 }
 
 std::ostream& operator<<(std::ostream& os, const ObjectPath& path) {

@@ -8,8 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include <boost/container_hash/hash.hpp>
-
+#include "../common/hash_impl.h"
 #include "krel/ustring.h"
 #include "object_path_impl.h"
 
@@ -27,12 +26,7 @@ bool is_broken(const ObjectPathElement& e) noexcept {
   return e.id() != ObjectPathElement::subscript_kind && e.id() != ObjectPathElement::name_kind;
 }
 
-// The mix of the kernel's hashes: boost::hash_combine, which on a 64-bit size_t
-// is mix(seed + 0x9e3779b9 + v) with Boost's 64-bit mix.
-std::size_t combine(std::size_t seed, std::size_t value) noexcept {
-  boost::hash_combine(seed, value);
-  return seed;
-}
+using detail::combine;
 
 std::size_t name_hash(const ObjectPathName& name) noexcept {
   std::size_t h = 0;
@@ -58,10 +52,6 @@ int three_way_subscripts(const ObjectPathSubscript& a, const ObjectPathSubscript
   if (a.shares_record_with(b)) return 0;
   if (a.size() != b.size()) return a.size() < b.size() ? 1 : 2;
   return krel::compare(a.subscripts(), b.subscripts());
-}
-
-bool equal_subscripts(const ObjectPathSubscript& a, const ObjectPathSubscript& b) noexcept {
-  return a.shares_record_with(b) || (a.size() == b.size() && a.subscripts() == b.subscripts());
 }
 
 // Feeds `value` as `width` big-endian bytes in one call.
@@ -121,23 +111,32 @@ int compare(const ObjectPathElement& a, const ObjectPathElement& b) {
 
 bool operator==(const ObjectPathElement& a, const ObjectPathElement& b) {
   if (a.id() != b.id()) return false;
-  if (const auto* sa = a.as_subscript()) return equal_subscripts(*sa, *b.as_subscript());
+  if (const auto* sa = a.as_subscript()) return *sa == *b.as_subscript();
   if (const auto* na = a.as_name()) return na->text().compare_(b.as_name()->text()) == 0;
   throw_invalid_visit();
 }
 
-std::size_t detail::computed_hash(const ObjectPathElement& e) {
-  if (const auto* s = e.as_subscript()) {
-    const detail::ObjectPathSubscriptRep& rep = Access::read(*s);
-    // The record caches the element hash itself, so that hash_value reads a
-    // cached hash with one load. The cache is 0 until the first hash; a hash
-    // that happens to be 0 is simply computed again. Threads that hash one
-    // record at once compute and store the same value.
-    const std::size_t h = subscript_element_hash(rep);
-    rep.hash_cache.store(h, std::memory_order_relaxed);
-    return h;
+std::size_t hash_value(const ObjectPathName& name) noexcept {
+  return combine(name_hash(name), ObjectPathElement::name_kind);
+}
+
+std::size_t hash_value(const ObjectPathSubscript& subscript) noexcept {
+  const detail::ObjectPathSubscriptRep& rep = Access::read(subscript);
+  // The record caches the element hash itself, so that hash_value of an
+  // element reads a cached hash with one load. The cache is 0 until the first
+  // hash; a hash that happens to be 0 is simply computed again. Threads that
+  // hash one record at once compute and store the same value.
+  if (const std::size_t cached = rep.hash_cache.load(std::memory_order_relaxed); cached != 0) {
+    return cached;
   }
-  if (const auto* n = e.as_name()) return combine(name_hash(*n), ObjectPathElement::name_kind);
+  const std::size_t h = subscript_element_hash(rep);
+  rep.hash_cache.store(h, std::memory_order_relaxed);
+  return h;
+}
+
+std::size_t detail::computed_hash(const ObjectPathElement& e) {
+  if (const auto* s = e.as_subscript()) return hash_value(*s);
+  if (const auto* n = e.as_name()) return hash_value(*n);
   throw_invalid_visit();
 }
 

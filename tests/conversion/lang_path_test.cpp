@@ -5,6 +5,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "expect_error.h"
@@ -76,6 +77,21 @@ TEST(ToValuePath, AllIdsButTheLastMakeTheHead) {
   EXPECT_EQ(value.tail().name().string(), u"mass");
   EXPECT_FALSE(value.tail().cellIndex().has_value());
   EXPECT_EQ(lang::core::to_user_string(value), u"Body//Frame.mass");
+}
+
+TEST(ToValuePath, EmptiedNodePath1ThrowsInvalidNodePath1) {
+  // A NodePath1 emptied through ids() used to reach the last identifier of no
+  // identifiers, which crashed a release build.
+  NodePath1 emptied(u"a/b");
+  emptied.ids().clear();
+  EXPECT_TRUE(throws_error([&] { (void)to_value_path(emptied); }, ErrorId::InvalidNodePath1,
+                           {text_arg(u"")}));
+  NodePath1 moved(u"mass");
+  const NodePath1 taker = std::move(moved);
+  // NOLINTNEXTLINE(bugprone-use-after-move): a moved-from path is empty
+  EXPECT_TRUE(throws_error([&] { (void)to_value_path(moved); }, ErrorId::InvalidNodePath1,
+                           {text_arg(u"")}));
+  EXPECT_EQ(to_value_path(taker).tail().name().string(), u"mass");
 }
 
 TEST(ToNodePath, EmptyContainerPathGivesEmptyNodePath) {

@@ -8,12 +8,19 @@
 #include <cstdlib>
 #include <new>
 
+#include <malloc.h>
+
 namespace alloc_counter {
 namespace {
 
 std::atomic<bool> replaced{false};
 std::atomic<long> live_count{0};
 std::atomic<long> total_count{0};
+std::atomic<long> live_byte_count{0};
+
+long usable_size(void* p) noexcept {
+  return static_cast<long>(malloc_usable_size(p));
+}
 
 // Allocations still allowed on this thread; negative means no limit.
 thread_local long remaining = -1;
@@ -41,12 +48,14 @@ void* allocate(std::size_t size, std::size_t alignment) {
   // Relaxed: the counts are read after the threads that changed them joined.
   live_count.fetch_add(1, std::memory_order_relaxed);
   total_count.fetch_add(1, std::memory_order_relaxed);
+  live_byte_count.fetch_add(usable_size(p), std::memory_order_relaxed);
   return p;
 }
 
 void deallocate(void* p) noexcept {
   if (p == nullptr) return;
   live_count.fetch_sub(1, std::memory_order_relaxed);
+  live_byte_count.fetch_sub(usable_size(p), std::memory_order_relaxed);
   std::free(p);
 }
 
@@ -64,6 +73,9 @@ long live() noexcept {
 }
 long total() noexcept {
   return total_count.load(std::memory_order_relaxed);
+}
+long live_bytes() noexcept {
+  return live_byte_count.load(std::memory_order_relaxed);
 }
 
 FailAfter::FailAfter(long allowed) noexcept : previous_(remaining) {

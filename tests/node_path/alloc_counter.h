@@ -11,6 +11,7 @@
 //   const long before = alloc_counter::live();
 //   { ui::core::NodePath p(u"a/b"); }
 //   EXPECT_EQ(alloc_counter::live(), before);  // nothing leaked
+//   // live_bytes() does the same for the memory the live allocations hold.
 
 #ifndef UI_CORE_TESTS_NODE_PATH_ALLOC_COUNTER_H
 #define UI_CORE_TESTS_NODE_PATH_ALLOC_COUNTER_H
@@ -28,6 +29,11 @@ namespace alloc_counter {
 
 /// Allocations made so far, on all threads.
 [[nodiscard]] long total() noexcept;
+
+/// Bytes held by the allocations made and not yet freed, on all threads: what
+/// the allocator reserved for each (malloc_usable_size), which is what holding
+/// it costs.
+[[nodiscard]] long live_bytes() noexcept;
 
 /// While it lives, the calling thread's allocations after the first `allowed`
 /// throw std::bad_alloc; other threads are not affected.

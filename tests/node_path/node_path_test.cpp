@@ -4,16 +4,25 @@
 
 #include <atomic>
 #include <functional>
+#include <map>
+#include <optional>
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <type_traits>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include <boost/container_hash/hash.hpp>
+#include <boost/unordered_set.hpp>
+
 #include "alloc_counter.h"
 #include "expect_error.h"
+#include "value_checks.h"
 
 namespace {
 
@@ -466,12 +475,44 @@ TEST(NodePath1, CheckAcceptsANonEmptyPath) {
   EXPECT_EQ(p.size(), 1u);
 }
 
-TEST(NodePath1, MovedFromPathKeepsItsIdentifiers) {
+TEST(NodePath1, MoveHandsTheRecordOverAndLeavesAnEmptyPath) {
   NodePath1 a(u"a/b");
+  const NodePath1 keep = a;
   const NodePath1 b = std::move(a);
-  EXPECT_EQ(a.ustring(), u"a/b");  // NOLINT(bugprone-use-after-move): the contract
-  EXPECT_NO_THROW(a.check_());
-  EXPECT_TRUE(a.shares_storage_with(b));
+  EXPECT_TRUE(b.shares_storage_with(keep));
+  // Before, a move copied the handle, so `p = std::move(p) + q` shared the
+  // record it appended to and copied the whole path on every append.
+  // NOLINTBEGIN(bugprone-use-after-move): the contract
+  EXPECT_TRUE(a.empty());
+  EXPECT_TRUE(throws_error([&] { a.check_(); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+  a = b;
+  EXPECT_EQ(a.ustring(), u"a/b");
+  // NOLINTEND(bugprone-use-after-move)
+}
+
+TEST(NodePath1, FrontAndBackOfAnEmptiedPathThrowInvalidNodePath1) {
+  // An emptied NodePath1 used to reach the vector's front() and back() on no
+  // element: undefined behaviour, a crash in a release build.
+  NodePath1 p(u"a/b");
+  p.ids().clear();
+  const NodePath1& view = p;
+  EXPECT_TRUE(
+      throws_error([&] { (void)view.front(); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+  EXPECT_TRUE(throws_error([&] { (void)view.back(); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+  EXPECT_TRUE(throws_error([&] { (void)p.front(); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+  EXPECT_TRUE(throws_error([&] { (void)p.back(); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+  NodePath1 moved(u"c");
+  const NodePath1 taker = std::move(moved);
+  // NOLINTNEXTLINE(bugprone-use-after-move): the contract
+  EXPECT_TRUE(
+      throws_error([&] { (void)moved.back(); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+  EXPECT_EQ(taker.back().ustring(), u"c");
+}
+
+TEST(NodePath, FrontAndBackOfAnEmptyPathThrowInvalidNodePath1) {
+  const NodePath p;
+  EXPECT_TRUE(throws_error([&] { (void)p.front(); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
+  EXPECT_TRUE(throws_error([&] { (void)p.back(); }, ErrorId::InvalidNodePath1, {text_arg(u"")}));
 }
 
 TEST(NodePath1, PlusEqualsAndPlusKeepTheTypeAndAppend) {
@@ -491,6 +532,164 @@ static_assert(!std::is_convertible_v<ustring, NodePath>, "parsing is explicit");
 static_assert(!std::is_convertible_v<NodePath, NodePath1>, "taking over a path checks it");
 static_assert(std::is_nothrow_default_constructible_v<NodePath>);
 static_assert(std::is_nothrow_copy_constructible_v<NodePath1>);
+static_assert(std::is_nothrow_move_constructible_v<NodePath>);
+static_assert(std::is_nothrow_move_assignable_v<NodePath>);
+static_assert(std::is_nothrow_move_constructible_v<NodePath1>);
+static_assert(std::is_nothrow_move_assignable_v<NodePath1>);
+
+// ---------------------------------------------------------------- growth
+
+// Allocations made while appending a path of one identifier `n` times in the
+// way `append` does.
+template <class Path, class Append>
+long allocations_for_appends(Path start, std::size_t n, Append append) {
+  const NodePath one(u"signal");
+  const long before = alloc_counter::total();
+  for (std::size_t i = 0; i < n; ++i) append(start, one);
+  const long allocations = alloc_counter::total() - before;
+  EXPECT_EQ(start.size(), n + 1);
+  return allocations;
+}
+
+TEST(NodePath, AppendingOneIdentifierAtATimeGrowsGeometrically) {
+  if (!alloc_counter::counting()) GTEST_SKIP() << "allocations are not counted";
+  // Appending reserved room for exactly the new length, so every append
+  // allocated and copied the whole path: 80,000 appends took half a minute.
+  // Growing to at least twice the room makes the allocations logarithmic in
+  // the number of appends (here at most 2 * log2(4096) + a few).
+  constexpr std::size_t n = 4096;
+  const long limit = 30;
+  EXPECT_LE(allocations_for_appends(NodePath(u"first"), n,
+                                    [](NodePath& p, const NodePath& one) { p += one; }),
+            limit);
+  EXPECT_LE(
+      allocations_for_appends(NodePath(u"first"), n,
+                              [](NodePath& p, const NodePath& one) { p = std::move(p) + one; }),
+      limit);
+  EXPECT_LE(allocations_for_appends(NodePath1(u"first"), n,
+                                    [](NodePath1& p, const NodePath& one) { p += one; }),
+            limit);
+  EXPECT_LE(
+      allocations_for_appends(NodePath1(u"first"), n,
+                              [](NodePath1& p, const NodePath& one) { p = std::move(p) + one; }),
+      limit);
+  EXPECT_LE(
+      allocations_for_appends(NodePath(u"first"), n,
+                              [](NodePath& p, const NodePath& one) { p.push_back(one.front()); }),
+      limit);
+}
+
+TEST(NodePath, AppendingToAPathThatSharesItsRecordStillCopiesFirst) {
+  NodePath p(u"a");
+  for (int i = 0; i < 5; ++i) p += NodePath(u"b");  // room to spare now
+  const NodePath copy = p;
+  p += NodePath(u"c");
+  EXPECT_EQ(copy.ustring(), u"a/b/b/b/b/b");
+  EXPECT_EQ(p.ustring(), u"a/b/b/b/b/b/c");
+  p += p;
+  EXPECT_EQ(p.size(), 14u);
+  EXPECT_EQ(p.back().ustring(), u"c");
+}
+
+// ---------------------------------------------------------------- memory
+
+// The text of a path of `count` identifiers whose last one is `last`.
+ustring path_text_ending_in(std::size_t count, const ustring& last) {
+  ustring text;
+  for (std::size_t i = 0; i + 1 < count; ++i) {
+    text += u"segment_";
+    for (const char c : std::to_string(i)) text += static_cast<char16_t>(c);
+    text += u'/';
+  }
+  return text + last;
+}
+
+TEST(NodePath, IdentifierKeptFromAParsedPathHoldsOnlyItsOwnMemory) {
+  if (!alloc_counter::counting()) GTEST_SKIP() << "allocations are not counted";
+  // All records of a parsed path used to live in one block that only the
+  // last of its identifiers freed: keeping one identifier of a path of ten
+  // kept 568 bytes instead of 72, and of a path of a million, all of it.
+  for (const ustring last : {u"mass", u"a_longer_identifier", u"with\ttab"}) {
+    long alone = 0;
+    {
+      const long before = alloc_counter::live_bytes();
+      const NodeId id(last);
+      alone = alloc_counter::live_bytes() - before;
+    }
+    for (const std::size_t count : {std::size_t{1}, std::size_t{10}, std::size_t{10000}}) {
+      const ustring text = path_text_ending_in(count, last);
+      const long before = alloc_counter::live_bytes();
+      std::optional<NodeId> kept;
+      {
+        const NodePath p(text);
+        kept.emplace(p.back());
+      }
+      const long held = alloc_counter::live_bytes() - before;
+      EXPECT_LE(held, alone + 64) << utf8(last) << " of " << count << ": " << held << " bytes";
+      kept.reset();
+      EXPECT_EQ(alloc_counter::live_bytes(), before) << utf8(last) << " of " << count;
+    }
+  }
+}
+
+// ---------------------------------------------------------------- order and hash
+
+int three_way(const NodePathBase& a, const NodePathBase& b) {
+  const auto c = a <=> b;
+  return c == 0 ? 0 : (c < 0 ? 1 : 2);
+}
+
+std::size_t std_hash(const NodePathBase& p) {
+  return std::hash<NodePathBase>{}(p);
+}
+
+TEST(NodePath, OrderEqualityAndHashAgree) {
+  const auto check = [](const ustring& a, const ustring& b, int expected) {
+    SCOPED_TRACE(utf8(a) + " vs " + utf8(b));
+    test_support::expect_consistent(NodePath(a), NodePath(b), expected, three_way, std_hash);
+  };
+  check(u"a/b", u"a/b", 0);
+  check(u"a\tb/c", u"a b/c", 0);
+  check(u"", u"", 0);
+  check(u"", u"a", 1);     // the empty path first
+  check(u"a", u"a/b", 1);  // a prefix first
+  check(u"a/b", u"a/c", 1);
+  check(u"a/c", u"a/b/z", 2);
+  check(u"a//b", u"a/b", 2);  // "a//b" is one identifier, after "a"
+  check(u"B/a", u"a/a", 1);
+  const NodePath p(u"x/y");
+  const NodePath copy = p;  // NOLINT(performance-unnecessary-copy-initialization)
+  test_support::expect_consistent(p, copy, 0, three_way, std_hash);
+}
+
+TEST(NodePath, EveryPathTypeHashesAlikeWithStdAndBoost) {
+  const NodePath p(u"Body//Frame/mass");
+  const NodePath1 p1(u"Body//Frame/mass");
+  const std::size_t h = hash_value(p);
+  EXPECT_EQ(std::hash<NodePath>{}(p), h);
+  EXPECT_EQ(std::hash<NodePath1>{}(p1), h);
+  EXPECT_EQ(std::hash<NodePathBase>{}(p1), h);
+  EXPECT_EQ(boost::hash<NodePath>{}(p), h);
+  EXPECT_EQ(boost::hash<NodePath1>{}(p1), h);
+  EXPECT_EQ(boost::hash<NodePathBase>{}(p), h);
+  EXPECT_NE(hash_value(NodePath(u"mass/Body//Frame")), h);  // the order counts
+}
+
+TEST(NodePath, KeysStandardAndBoostContainers) {
+  std::map<NodePath, int> ordered{{NodePath(u"b"), 3}, {NodePath(u"a/b"), 2}, {NodePath(u"a"), 1}};
+  std::vector<ustring> order;
+  for (const auto& [path, value] : ordered) order.push_back(path.ustring());
+  EXPECT_EQ(order, (std::vector<ustring>{u"a", u"a/b", u"b"}));
+  std::set<NodePath1> ones{NodePath1(u"z"), NodePath1(u"z"), NodePath1(u"y")};
+  EXPECT_EQ(ones.size(), 2u);
+
+  std::unordered_map<NodePath, int> by_path{{NodePath(u"a/b"), 1}};
+  EXPECT_EQ(by_path.count(NodePath(u"a/b")), 1u);
+  std::unordered_set<NodePath1> unordered{NodePath1(u"a/b"), NodePath1(u"a/b")};
+  EXPECT_EQ(unordered.size(), 1u);
+  boost::unordered_set<NodePath> boost_set{NodePath(u"a/b"), NodePath(u"a\tb"), NodePath(u"a b")};
+  EXPECT_EQ(boost_set.size(), 2u);
+}
 
 // ---------------------------------------------------------------- relpath
 

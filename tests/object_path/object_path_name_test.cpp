@@ -6,9 +6,14 @@
 #include <sstream>
 #include <string>
 #include <type_traits>
+#include <unordered_set>
 #include <vector>
 
+#include <boost/container_hash/hash.hpp>
+#include <boost/unordered_set.hpp>
+
 #include "expect_error.h"
+#include "ui/core/object_path_element.h"
 
 namespace {
 
@@ -137,6 +142,21 @@ TEST(ObjectPathName, PrintsTheCleanedText) {
   std::ostringstream os;
   os << ObjectPathName(u"a\tb");
   EXPECT_EQ(os.str(), "a b");
+}
+
+TEST(ObjectPathName, HashesAsItsElementWithStdAndBoost) {
+  const ObjectPathName gain(u"Gain");
+  const std::size_t h = hash_value(gain);
+  EXPECT_EQ(h, hash_value(ui::core::ObjectPathElement(gain)));
+  EXPECT_EQ(std::hash<ObjectPathName>{}(gain), h);
+  EXPECT_EQ(boost::hash<ObjectPathName>{}(gain), h);
+  // Equal names built apart (and cleaned alike) hash equal.
+  EXPECT_EQ(hash_value(ObjectPathName(u"a\tb")), hash_value(ObjectPathName(u"a b")));
+  std::unordered_set<ObjectPathName> names{ObjectPathName(u"x"), ObjectPathName(u"x"),
+                                           ObjectPathName(u"y")};
+  EXPECT_EQ(names.size(), 2u);
+  boost::unordered_set<ObjectPathName> boost_names{ObjectPathName(u"x"), ObjectPathName(u"x")};
+  EXPECT_EQ(boost_names.size(), 1u);
 }
 
 }  // namespace

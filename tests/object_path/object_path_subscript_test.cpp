@@ -8,10 +8,15 @@
 #include <optional>
 #include <sstream>
 #include <thread>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include <boost/container_hash/hash.hpp>
+#include <boost/unordered_set.hpp>
+
 #include "expect_error.h"
+#include "ui/core/object_path_element.h"
 
 namespace {
 
@@ -243,6 +248,37 @@ TEST(ObjectPathSubscript, CopiesMayBeMadeAndDestroyedOnManyThreads) {
   }
   for (auto& th : threads) th.join();
   EXPECT_EQ(values_of(shared), (Values{4, 5, 6}));
+}
+
+TEST(ObjectPathSubscript, EqualityComparesCountsAndValues) {
+  EXPECT_TRUE(ObjectPathSubscript({2, 3}) == ObjectPathSubscript(u"// 2 ,3"));
+  EXPECT_FALSE(ObjectPathSubscript({2, 3}) == ObjectPathSubscript({3, 2}));
+  // Equivalent, but the counts differ.
+  EXPECT_FALSE(ObjectPathSubscript({5}) == ObjectPathSubscript({5, 1}));
+  // Equal counts; the values differ only in stored trailing ones.
+  const std::size_t stored[] = {5, 1};
+  EXPECT_TRUE(ObjectPathSubscript(1, krel::ArraySize(stored, 2)) == ObjectPathSubscript({5}));
+  const ObjectPathSubscript s({4});
+  const ObjectPathSubscript copy = s;  // NOLINT(performance-unnecessary-copy-initialization)
+  EXPECT_TRUE(copy == s);
+}
+
+TEST(ObjectPathSubscript, HashesAsItsElementWithStdAndBoost) {
+  const ObjectPathSubscript s({2, 3});
+  const std::size_t h = hash_value(s);
+  EXPECT_EQ(h, hash_value(ui::core::ObjectPathElement(s)));
+  EXPECT_EQ(h, hash_value(ui::core::ObjectPathElement(ObjectPathSubscript({2, 3}))));
+  EXPECT_EQ(std::hash<ObjectPathSubscript>{}(s), h);
+  EXPECT_EQ(boost::hash<ObjectPathSubscript>{}(s), h);
+  const std::size_t stored[] = {5, 1};
+  EXPECT_EQ(hash_value(ObjectPathSubscript(1, krel::ArraySize(stored, 2))),
+            hash_value(ObjectPathSubscript({5})));
+  std::unordered_set<ObjectPathSubscript> subscripts{
+      ObjectPathSubscript({1}), ObjectPathSubscript(u"//1"), ObjectPathSubscript({1, 1})};
+  EXPECT_EQ(subscripts.size(), 2u);
+  boost::unordered_set<ObjectPathSubscript> boost_subscripts{ObjectPathSubscript({1}),
+                                                             ObjectPathSubscript(u"//1")};
+  EXPECT_EQ(boost_subscripts.size(), 1u);
 }
 
 }  // namespace

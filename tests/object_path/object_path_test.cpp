@@ -2,16 +2,24 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <clocale>
+#include <map>
 #include <optional>
 #include <random>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include <boost/container_hash/hash.hpp>
+#include <boost/unordered_set.hpp>
+
 #include "expect_error.h"
+#include "krel/ustring.h"
+#include "value_checks.h"
 
 namespace {
 
@@ -305,6 +313,80 @@ TEST(ObjectPath, CopiesMayBeReadAndExtendedOnManyThreads) {
   for (auto& th : threads) th.join();
   EXPECT_EQ(failures, std::vector<int>(4, 0));
   EXPECT_EQ(text_of(shared), u"a///1, 2/b");
+}
+
+int three_way(const ObjectPath& a, const ObjectPath& b) {
+  const auto c = a <=> b;
+  return c == 0 ? 0 : (c < 0 ? 1 : 2);
+}
+
+std::size_t std_hash(const ObjectPath& p) {
+  return std::hash<ObjectPath>{}(p);
+}
+
+TEST(ObjectPath, OrderEqualityAndHashAgree) {
+  const auto check = [](const ustring& a, const ustring& b, int expected) {
+    SCOPED_TRACE(krel::ustring_to_utf8_string(a) + " vs " + krel::ustring_to_utf8_string(b));
+    test_support::expect_consistent(ui::core::to_object_path(a), ui::core::to_object_path(b),
+                                    expected, three_way, std_hash);
+  };
+  check(u"a///2, 3/b", u"a/// 2 ,3/b", 0);
+  check(u"", u"", 0);
+  check(u"", u"a", 1);     // the empty path first
+  check(u"a", u"a/b", 1);  // a prefix first
+  check(u"a/b", u"a/c", 1);
+  check(u"//9/z", u"a", 1);         // every subscript before every name
+  check(u"a///2", u"a///1, 1", 1);  // the smaller count first
+  check(u"a///3, 1", u"a///2, 4", 2);
+  check(u"b", u"abc/d", 2);
+  const ObjectPath p = ui::core::to_object_path(u"x///2/y");
+  const ObjectPath copy = p;  // NOLINT(performance-unnecessary-copy-initialization)
+  test_support::expect_consistent(p, copy, 0, three_way, std_hash);
+}
+
+TEST(ObjectPath, OrderFollowsTheElementCompare) {
+  const std::vector<ObjectPath> paths = {
+      ObjectPath{name(u"a"), sub({2})},   ObjectPath{name(u"a"), sub({1, 1})},
+      ObjectPath{sub({3}), name(u"x")},   ObjectPath{name(u"a")},
+      ObjectPath{name(u"a"), name(u"b")}, ObjectPath{}};
+  for (const ObjectPath& a : paths) {
+    for (const ObjectPath& b : paths) {
+      // The first element that differs decides, by compare(); else the shorter.
+      int expected = a.size() == b.size() ? 0 : (a.size() < b.size() ? 1 : 2);
+      for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+        if (const int c = ui::core::compare(a[i], b[i]); c != 0) {
+          expected = c;
+          break;
+        }
+      }
+      EXPECT_EQ(three_way(a, b), expected) << krel::ustring_to_utf8_string(text_of(a)) << " vs "
+                                           << krel::ustring_to_utf8_string(text_of(b));
+    }
+  }
+}
+
+TEST(ObjectPath, HashCombinesTheElementHashesInOrder) {
+  const ObjectPath p = ui::core::to_object_path(u"a///1, 2/b");
+  const std::size_t h = hash_value(p);
+  EXPECT_EQ(h, boost::hash_range(p.begin(), p.end()));
+  EXPECT_EQ(std_hash(p), h);
+  EXPECT_EQ(boost::hash<ObjectPath>{}(p), h);
+  EXPECT_NE(hash_value(ui::core::to_object_path(u"b///1, 2/a")), h);
+  EXPECT_EQ(hash_value(ObjectPath{}), 0u);
+}
+
+TEST(ObjectPath, KeysStandardAndBoostContainers) {
+  std::map<ObjectPath, int> ordered{{ui::core::to_object_path(u"b"), 3},
+                                    {ui::core::to_object_path(u"a///2"), 2},
+                                    {ui::core::to_object_path(u"a"), 1}};
+  std::vector<ustring> order;
+  for (const auto& [path, value] : ordered) order.push_back(text_of(path));
+  EXPECT_EQ(order, (std::vector<ustring>{u"a", u"a///2", u"b"}));
+  std::unordered_map<ObjectPath, int> by_path{{ui::core::to_object_path(u"x///2, 3"), 7}};
+  EXPECT_EQ(by_path.count(ui::core::to_object_path(u"x/// 2 ,3")), 1u);
+  boost::unordered_set<ObjectPath> boost_set{ui::core::to_object_path(u"x///2, 3"),
+                                             ui::core::to_object_path(u"x/// 2 ,3")};
+  EXPECT_EQ(boost_set.size(), 1u);
 }
 
 }  // namespace

@@ -210,7 +210,7 @@ TEST(Concurrency, FirstCreateSourceCallsOfEveryKindRace) {
     const auto line = static_cast<std::uint32_t>(t + 1);
     const krel::DravikId block(u"model/block" + ustring(1, static_cast<char16_t>(u'0' + t)));
     const boost::shared_ptr<ui::core::Source> sources[] = {
-        ui::core::create_source(krel::Location(u"f.ssc", line, 2)),
+        ui::core::create_source(krel::Location(u"f.model", line, 2)),
         ui::core::create_source(block),
         ui::core::create_source(block, true),
     };
@@ -230,7 +230,7 @@ TEST(Concurrency, FirstCreateSourceCallsOfEveryKindRace) {
   });
   EXPECT_EQ(mismatches, 0);
   for (int t = 0; t < thread_count; ++t) {
-    EXPECT_EQ(printed[static_cast<std::size_t>(t) * 3], "f.ssc:" + std::to_string(t + 1) + ":2");
+    EXPECT_EQ(printed[static_cast<std::size_t>(t) * 3], "f.model:" + std::to_string(t + 1) + ":2");
   }
 }
 

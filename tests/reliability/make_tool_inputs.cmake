@@ -3,7 +3,8 @@
 #   empty.txt        no bytes at all
 #   huge_line.txt    one line of 100,000,000 bytes without a line end
 #                    ("abcdefghi<" ten million times)
-#   huge_batch.txt   a batch file whose one command line is 100,000,010 bytes
+#   huge_batch.txt   a batch file whose one command line is 100,000,021 bytes:
+#                    unit-conversion-type and a word of 100,000,000 letters
 # With CLEAN set, removes them instead.
 if(NOT DIR)
   message(FATAL_ERROR "DIR is not set")
@@ -25,4 +26,4 @@ function(write_repeated path prefix unit suffix)
   file(APPEND ${path} "${suffix}")
 endfunction()
 write_repeated(${DIR}/huge_line.txt "" "abcdefghi<" "")
-write_repeated(${DIR}/huge_batch.txt "node-path " "aaaaaaaaaa" "\n")
+write_repeated(${DIR}/huge_batch.txt "unit-conversion-type " "aaaaaaaaaa" "\n")

@@ -18,7 +18,7 @@ using ui::core::ErrorId;
 
 TEST(CreateSource, InvalidContextRefusesEveryKindOfKey) {
   // With a running framework, the installed bundle makes sources...
-  ASSERT_TRUE(create_source(krel::Location(u"a.ssc", 1, 1)));
+  ASSERT_TRUE(create_source(krel::Location(u"a.model", 1, 1)));
   ASSERT_TRUE(create_source(krel::DravikId(u"m/G")));
   ASSERT_TRUE(create_source(krel::DravikId(u"m/G"), true));
 

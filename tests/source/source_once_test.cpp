@@ -24,13 +24,13 @@ class CountingSetOnly : public ::testing::Environment {
     ::testing::AddGlobalTestEnvironment(new CountingSetOnly);
 
 TEST(CreateSource, TwoCallsInstallAndStartTheBundleSetOnce) {
-  const auto first = create_source(krel::Location(u"a.ssc", 1, 2));
-  const auto second = create_source(krel::Location(u"b.ssc", 3, 4));
+  const auto first = create_source(krel::Location(u"a.model", 1, 2));
+  const auto second = create_source(krel::Location(u"b.model", 3, 4));
   ui::core::install_and_start_kalder_create_source();
   ASSERT_TRUE(first);
   ASSERT_TRUE(second);
-  EXPECT_EQ(printed(*first), "a.ssc:1:2");
-  EXPECT_EQ(printed(*second), "b.ssc:3:4");
+  EXPECT_EQ(printed(*first), "a.model:1:2");
+  EXPECT_EQ(printed(*second), "b.model:3:4");
   EXPECT_EQ(bundle_probe::count(Event::start_called, "counting"), 1);
   EXPECT_EQ(bundle_probe::count(Event::started, "counting"), 1);
 }

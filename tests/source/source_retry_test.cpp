@@ -32,7 +32,7 @@ TEST(CreateSource, FailedInstallationPassesItsExceptionAndIsTriedAgain) {
     GTEST_SKIP() << "std::call_once with a throwing callable hangs under ThreadSanitizer";
   }
   use_bundle_sets("flaky");
-  const krel::Location where(u"retry.ssc", 2, 3);
+  const krel::Location where(u"retry.model", 2, 3);
   try {
     (void)ui::core::create_source(where);
     FAIL() << "the first installation should have failed";
@@ -51,7 +51,7 @@ TEST(CreateSource, FailedInstallationPassesItsExceptionAndIsTriedAgain) {
 
   const auto source = ui::core::create_source(where);
   ASSERT_TRUE(source);
-  EXPECT_EQ(printed(*source), "retry.ssc:2:3");
+  EXPECT_EQ(printed(*source), "retry.model:2:3");
   EXPECT_EQ(bundle_probe::count(Event::start_called, "flaky"), 2);
   EXPECT_EQ(bundle_probe::count(Event::started, "flaky"), 1);
 

@@ -33,7 +33,7 @@ static_assert(std::is_same_v<decltype(create_source(krel::Location())), boost::s
 static_assert(
     std::is_same_v<decltype(create_source(krel::DravikId(), true)), boost::shared_ptr<Source>>);
 
-const krel::Location plant(u"model/plant.ssc", 12, 5);
+const krel::Location plant(u"model/plant.model", 12, 5);
 const krel::DravikId gain(u"model/Sub/Gain");
 
 TEST(SourceCreatorService, InterfaceIdsAreTheDemangledTypeNames) {
@@ -62,12 +62,12 @@ TEST(InstallAndStartKalderCreateSource, RegistersACreatorForEveryKindOfKey) {
 TEST(CreateSource, LocationSourcePrintsFileLineColumn) {
   const auto source = create_source(plant);
   ASSERT_TRUE(source);
-  EXPECT_EQ(printed(*source), "model/plant.ssc:12:5");
+  EXPECT_EQ(printed(*source), "model/plant.model:12:5");
   EXPECT_EQ(source->kind(), SourceKind::location);
   EXPECT_EQ(source->location(), plant);
   EXPECT_EQ(source->block(), std::nullopt);
   EXPECT_FALSE(source->opens_dialog());
-  EXPECT_EQ(source->description(), u"line 12, column 5 of model/plant.ssc");
+  EXPECT_EQ(source->description(), u"line 12, column 5 of model/plant.model");
 }
 
 TEST(CreateSource, BlockSourceNamesTheBlock) {
@@ -130,11 +130,12 @@ TEST(Source, OpenAndHighlightTellTheNavigatorWhatToShow) {
     source->open(navigator);
     source->highlight(navigator);
   }
-  EXPECT_EQ(navigator.calls, (std::vector<std::string>{
-                                 "select model/plant.ssc:12:5", "highlight model/plant.ssc:12:5",
-                                 "select block model/Sub/Gain", "highlight block model/Sub/Gain",
-                                 "dialog model/Sub/Gain", "highlight block model/Sub/Gain",
-                                 "select block model/Sub/Gain", "highlight block model/Sub/Gain"}));
+  EXPECT_EQ(
+      navigator.calls,
+      (std::vector<std::string>{"select model/plant.model:12:5", "highlight model/plant.model:12:5",
+                                "select block model/Sub/Gain", "highlight block model/Sub/Gain",
+                                "dialog model/Sub/Gain", "highlight block model/Sub/Gain",
+                                "select block model/Sub/Gain", "highlight block model/Sub/Gain"}));
 }
 
 // Compares sources through the interface, for the shared value checks.
@@ -147,11 +148,11 @@ struct Compared {
 TEST(Source, CompareAndHashOrderByKindThenKey) {
   const auto by = [](Compared a, Compared b) { return a.source->compare(*b.source); };
   const auto hash = [](Compared a) { return a.source->hash(); };
-  const auto early = create_source(krel::Location(u"a.ssc", 3, 9));
-  const auto later_line = create_source(krel::Location(u"a.ssc", 4, 1));
-  const auto later_column = create_source(krel::Location(u"a.ssc", 3, 10));
-  const auto other_file = create_source(krel::Location(u"b.ssc", 1, 1));
-  const auto same = create_source(krel::Location(u"a.ssc", 3, 9));
+  const auto early = create_source(krel::Location(u"a.model", 3, 9));
+  const auto later_line = create_source(krel::Location(u"a.model", 4, 1));
+  const auto later_column = create_source(krel::Location(u"a.model", 3, 10));
+  const auto other_file = create_source(krel::Location(u"b.model", 1, 1));
+  const auto same = create_source(krel::Location(u"a.model", 3, 9));
   const auto block_a = create_source(krel::DravikId(u"m/A"));
   const auto block_b = create_source(krel::DravikId(u"m/B"));
   const auto dialog_closed = create_source(krel::DravikId(u"m/A"), false);
@@ -200,7 +201,7 @@ TEST(CreateSource, CreatorWithTheDefaultRankingOutranksTheInstalledOne) {
   Registered mine(std::make_shared<TestCreator>("mine"), 0);
   EXPECT_EQ(printed(*create_source(plant)), "test source mine");
   mine.withdraw();
-  EXPECT_EQ(printed(*create_source(plant)), "model/plant.ssc:12:5");
+  EXPECT_EQ(printed(*create_source(plant)), "model/plant.model:12:5");
 }
 
 TEST(CreateSource, EqualRankingsUseTheFirstRegisteredService) {
@@ -214,8 +215,8 @@ TEST(CreateSource, EqualRankingsUseTheFirstRegisteredService) {
 TEST(CreateSource, ServicePassesTheKeyOn) {
   auto creator = std::make_shared<TestCreator>("keyed");
   Registered registered(creator, 40);
-  (void)create_source(krel::Location(u"dir/file.ssc", 7, 2));
-  EXPECT_EQ(creator->last_key, krel::Location(u"dir/file.ssc", 7, 2));
+  (void)create_source(krel::Location(u"dir/file.model", 7, 2));
+  EXPECT_EQ(creator->last_key, krel::Location(u"dir/file.model", 7, 2));
 }
 
 TEST(CreateSource, EmptySourceFromTheServiceGivesAnEmptyPointer) {

@@ -32,13 +32,13 @@ TEST(CreateSource, ConcurrentFirstCallsInstallOnceAndAllSucceed) {
       --waiting;
       while (waiting.load() > 0) std::this_thread::yield();
       const auto line = static_cast<std::uint32_t>(t + 1);
-      const auto source = ui::core::create_source(krel::Location(u"f.ssc", line, 1));
+      const auto source = ui::core::create_source(krel::Location(u"f.model", line, 1));
       printed_by[static_cast<std::size_t>(t)] = source ? printed(*source) : "(none)";
     });
   }
   for (auto& c : callers) c.join();
   for (int t = 0; t < threads; ++t) {
-    EXPECT_EQ(printed_by[static_cast<std::size_t>(t)], "f.ssc:" + std::to_string(t + 1) + ":1");
+    EXPECT_EQ(printed_by[static_cast<std::size_t>(t)], "f.model:" + std::to_string(t + 1) + ":1");
   }
   EXPECT_EQ(bundle_probe::count(Event::start_called, "counting"), 1);
 }

@@ -3,31 +3,29 @@
 //
 // Each line is split like a shell would split it (blanks separate words;
 // single and double quotes group; a backslash escapes the next character) and
-// run as a separate ui-core process, so one line's options never leak into
-// the next. Blank lines and lines starting with '#' are skipped. The command
-// line is echoed before its output.
+// run in this process by a CommandLine of its own, which sets every option
+// back to its default first, so one line's options never leak into the next. Blank lines and lines
+// starting with '#' are skipped. The command line is echoed before its output.
 
 #include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iostream>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "command.h"
-
-extern char** environ;
+#include "line_io.h"
 
 namespace ui_core_tool {
 namespace {
 
 // Shell-like word splitting; empty when a quote is left open.
-std::optional<std::vector<std::string>> split_words(const std::string& line) {
+std::optional<std::vector<std::string>> split_words(std::string_view line) {
   std::vector<std::string> words;
   std::string word;
   bool in_word = false;
@@ -62,103 +60,85 @@ std::optional<std::vector<std::string>> split_words(const std::string& line) {
   return words;
 }
 
-// Runs this executable with `args`; its exit code, or -1 if it could not run
-// (then `why` says what stopped it, such as an argument list too long).
-int run_self(const std::vector<std::string>& args, std::string& why) {
-  std::vector<char*> argv;
-  std::string self = "/proc/self/exe";
-  argv.push_back(self.data());
-  std::vector<std::string> copies = args;
-  for (auto& a : copies) argv.push_back(a.data());
-  argv.push_back(nullptr);
-  std::cout.flush();
-  std::fflush(stdout);
+int run_batch(const std::string& file) {
+  const bool use_stdin = file.empty() || file == "-";
+  const std::string name = use_stdin ? std::string("standard input") : file;
+  const FileDescriptor opened(use_stdin ? -1 : ::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!use_stdin && opened.get() < 0) {
+    write_error("error: cannot open " + file + ": " + std::strerror(errno) + "\n");
+    return exit_usage;
+  }
+  struct stat info {};
+  if (!use_stdin && ::fstat(opened.get(), &info) == 0 && S_ISDIR(info.st_mode)) {
+    write_error("error: " + file + " is a directory\n");
+    return exit_usage;
+  }
   // A command line without inputs would read standard input, which is the
-  // batch's own (or the terminal): it reads nothing instead.
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  pid_t pid = 0;
-  const int error = posix_spawn(&pid, "/proc/self/exe", &actions, nullptr, argv.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) {
-    why = std::strerror(error);
-    return -1;
+  // batch's own (or the terminal): it reads an empty input instead.
+  const FileDescriptor nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+  if (nothing.get() < 0) {
+    write_error(std::string("error: cannot open /dev/null: ") + std::strerror(errno) + "\n");
+    return exit_io;
   }
-  int status = 0;
-  while (waitpid(pid, &status, 0) < 0) {
-    if (errno != EINTR) {
-      why = std::strerror(errno);
-      return -1;
+  const auto where = [&name](std::uint64_t number) {
+    return name + ":" + std::to_string(number) + ": error: ";
+  };
+  Output& out = standard_output();
+  CommandLine commands;
+  LineReader reader(use_stdin ? command_input() : opened.get());
+  std::string_view line;
+  std::size_t ran = 0;
+  std::size_t refused = 0;
+  while (reader.next(line)) {
+    const std::size_t first = line.find_first_not_of(" \t\r");
+    if (first == std::string_view::npos || line[first] == '#') continue;
+    const auto words = split_words(line);
+    if (!words) {
+      write_error(where(reader.lines()) + "unterminated quote\n");
+      return exit_usage;
     }
+    if (words->empty()) continue;
+    if ((*words)[0] == "batch") {
+      write_error(where(reader.lines()) + "batch files cannot run batch\n");
+      return exit_usage;
+    }
+    out.text().append("$ ui-core ").append(line) += '\n';
+    out.commit();
+    const int code = commands.run(*words, nothing.get());
+    ++ran;
+    // The command has said what went wrong; a failed write ends the batch too.
+    if (code == exit_io) return exit_io;
+    if (code == exit_usage) {
+      write_error(where(reader.lines()) + "bad command line (exit " + std::to_string(code) + ")\n");
+      return exit_usage;
+    }
+    if (code != exit_ok) ++refused;
+    out.text() += '\n';
+    out.commit();
   }
-  if (WIFEXITED(status)) return WEXITSTATUS(status);
-  why = "the command was stopped by a signal";
-  return -1;
+  if (reader.error() != 0) {
+    write_error("error: cannot read " + name + ": " + std::strerror(reader.error()) + "\n");
+    return exit_io;
+  }
+  out.text() += std::to_string(ran) + " command(s) run, " + std::to_string(refused) +
+                " refused their input\n";
+  out.commit();
+  return refused == 0 ? exit_ok : exit_refused;
 }
 
-void setup_batch(CLI::App& app, Outcome& outcome) {
-  auto file = std::make_shared<std::string>();
+void setup_batch(CLI::App& app, CommandState& state) {
+  auto file = state.fresh<std::string>();
   CLI::App* cmd = app.add_subcommand(
       "batch", "Run a file of ui-core command lines (one per line, '#' comments), e.g. the sample");
   cmd->add_option("file", *file,
                   "The file of command lines; without it (or with '-') standard input");
   cmd->footer(
+      "Exit code: 0 every command accepted its input, 1 some command refused input, 2 a bad "
+      "command line (the batch stops there), 3 reading or writing failed.\n\n"
       "Examples:\n"
       "  ui-core batch examples/sample/session.txt\n"
       "  printf 'node-path a/b\\nunit km --to m\\n' | ui-core batch\n");
-  cmd->callback([file, &outcome] {
-    const bool use_stdin = file->empty() || *file == "-";
-    std::ifstream from_file;
-    if (!use_stdin) {
-      from_file.open(*file);
-      if (!from_file) {
-        std::cerr << "error: cannot read " << *file << '\n';
-        outcome.exit_code = exit_usage;
-        return;
-      }
-    }
-    std::istream& in = use_stdin ? std::cin : from_file;
-    const std::string name = use_stdin ? std::string("standard input") : *file;
-    std::string line;
-    std::size_t number = 0;
-    std::size_t ran = 0;
-    std::size_t refused = 0;
-    while (std::getline(in, line)) {
-      ++number;
-      const std::size_t first = line.find_first_not_of(" \t\r");
-      if (first == std::string::npos || line[first] == '#') continue;
-      const auto words = split_words(line);
-      if (!words) {
-        std::cerr << name << ":" << number << ": error: unterminated quote\n";
-        outcome.exit_code = exit_usage;
-        return;
-      }
-      if (words->empty()) continue;
-      if ((*words)[0] == "batch") {
-        std::cerr << name << ":" << number << ": error: batch files cannot run batch\n";
-        outcome.exit_code = exit_usage;
-        return;
-      }
-      std::cout << "$ ui-core " << line << '\n';
-      std::string why;
-      const int code = run_self(*words, why);
-      ++ran;
-      if (code < 0) {
-        std::cerr << name << ":" << number << ": error: cannot run the command: " << why << '\n';
-        outcome.exit_code = exit_usage;
-        return;
-      }
-      if (code == exit_usage) {
-        std::cerr << name << ":" << number << ": error: bad command line (exit " << code << ")\n";
-        outcome.exit_code = exit_usage;
-        return;
-      }
-      if (code != exit_ok) ++refused;
-      std::cout << '\n';
-    }
-    std::cout << ran << " command(s) run, " << refused << " refused their input\n";
-  });
+  cmd->callback([file, &state] { state.exit_code = run_batch(*file); });
 }
 
 const Registration batch_registration{"batch", &setup_batch};

@@ -2,9 +2,9 @@
 //
 // Each family of the library adds one file with its subcommands. The file
 // defines a setup function and registers it with a namespace-scope
-// `Registration`; main() calls every setup function in name order.
+// `Registration`; a CommandLine calls every setup function in name order.
 //
-//   void setup_explain(CLI::App& app, ui_core_tool::Outcome& outcome);
+//   void setup_explain(CLI::App& app, ui_core_tool::CommandState& state);
 //   const ui_core_tool::Registration explain_registration{"explain", &setup_explain};
 //
 // A subcommand that reads inputs (texts, paths, expressions...) describes what
@@ -13,9 +13,14 @@
 // input), the three output formats, refusals, exit codes, --locale and the
 // progress line.
 //
-//   auto io = add_inputs(cmd, {"texts", "Node path texts"});
-//   cmd->callback([io, &outcome] {
-//     outcome.exit_code = run_inputs(*io, [](const Input& in, Record& out) { ... });
+// A CommandLine is built once and runs any number of command lines (`ui-core
+// batch` runs thousands in one process), so every value an option is read
+// into is made with CommandState::fresh, which puts it back to its default
+// before each command line.
+//
+//   auto io = add_inputs(cmd, state, {"texts", "Node path texts"});
+//   cmd->callback([io, &state] {
+//     state.exit_code = run_inputs(*io, [](const Input& in, Record& out) { ... });
 //   });
 
 #ifndef UI_CORE_TOOL_COMMAND_H
@@ -35,22 +40,72 @@
 #include "krel/message.h"
 #include "krel/ustring.h"
 
+namespace ui::core {
+class ObjectPathSubscript;
+}
+
 namespace ui_core_tool {
 
-/// Exit codes: 0 success, 1 the input was refused, 2 bad usage.
-enum ExitCode : int { exit_ok = 0, exit_refused = 1, exit_usage = 2 };
+/// Exit codes: 0 success, 1 some input was refused, 2 bad usage, 3 reading
+/// the input or writing the output failed (the run stops there).
+enum ExitCode : int { exit_ok = 0, exit_refused = 1, exit_usage = 2, exit_io = 3 };
 
-/// What a subcommand's callback reports back to main().
-struct Outcome {
+/// What the subcommands of one CommandLine keep between parsing and their
+/// callbacks: the exit code a callback reports back, and the values options
+/// are read into.
+class CommandState {
+ public:
   int exit_code = exit_ok;
+
+  /// A value for options to be read into (and for the callback to change),
+  /// set back to `initial` before every command line.
+  template <class T>
+  std::shared_ptr<T> fresh(T initial = T{}) {
+    auto value = std::make_shared<T>(initial);
+    resets_.push_back([value, initial = std::move(initial)] { *value = initial; });
+    return value;
+  }
+
+  /// Back to the defaults: exit code 0 and every fresh value as it was made.
+  void reset() {
+    exit_code = exit_ok;
+    for (const auto& reset_one : resets_) reset_one();
+  }
+
+ private:
+  std::vector<std::function<void()>> resets_;
 };
 
-using Setup = void (*)(CLI::App& app, Outcome& outcome);
+using Setup = void (*)(CLI::App& app, CommandState& state);
 
 /// Registers a subcommand family at static initialisation.
 struct Registration {
   Registration(std::string_view name, Setup setup);
 };
+
+/// The ui-core command-line parser with every subcommand. Building it costs
+/// far more than most commands, so it is built once and runs any number of
+/// command lines, each as if it were the first: every option at its default
+/// and the message locale the environment's.
+class CommandLine {
+ public:
+  CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  /// Runs one command line (the words after "ui-core") and returns its exit
+  /// code. `input_fd` is what the command reads as its standard input. Never
+  /// throws: a failed write ends the command with exit_io. Not reentrant: a
+  /// command that runs command lines (batch) uses a CommandLine of its own.
+  [[nodiscard]] int run(const std::vector<std::string>& words, int input_fd);
+
+ private:
+  CLI::App app_;
+  CommandState state_;
+};
+
+/// The standard input of the command line that is running.
+[[nodiscard]] int command_input() noexcept;
 
 /// Command-line text (UTF-8) as the library's UTF-16 text; throws
 /// std::runtime_error naming the argument when it is not valid UTF-8.
@@ -62,11 +117,17 @@ struct Registration {
 // --- Messages ----------------------------------------------------------------
 
 /// The locale message texts are written in: --locale when given, else the
-/// environment's (LC_ALL, LC_MESSAGES, LANG).
+/// environment's.
 [[nodiscard]] const std::string& message_locale();
 
-/// Selects the message locale, and makes it the global C++ locale when the
-/// system has it (so that texts the library formats itself agree).
+/// The environment's message locale: the first non-empty of LC_ALL,
+/// LC_MESSAGES and LANG, else "C".
+[[nodiscard]] std::string environment_locale();
+
+/// Selects the message locale: the language of the tool's texts, and of the
+/// texts the library looks up itself. Whatever it is, the bytes the tool and
+/// the library write stay UTF-8 and numbers keep the "C" form (a '.' before
+/// the decimals, no grouping), so that output never depends on the locale.
 void select_message_locale(const std::string& name);
 
 /// The catalogue text of a message identifier in the message locale.
@@ -74,6 +135,9 @@ void select_message_locale(const std::string& name);
 
 /// Prints a refused input as "error: <identifier>: <text>" on stderr.
 void report(const krel::MessageException& e);
+
+/// "<identifier>: <text>" of a library message, in the message locale.
+[[nodiscard]] std::string message_line(const krel::MessageException& e);
 
 /// A refusal by the tool itself rather than by the library: an input line the
 /// tool cannot split into its parts (such as a size that is not a number), or
@@ -102,6 +166,22 @@ class InputError : public std::runtime_error {
   bool usage_;
 };
 
+/// Reads the value of `option` with `read()`: a value the library or the
+/// tool refuses is bad usage (exit 2), reported with the option's name before
+/// any input is looked at.
+template <class Read>
+auto read_option(const std::string& option, Read&& read) -> decltype(read()) {
+  try {
+    return read();
+  } catch (const krel::MessageException& e) {
+    throw CLI::ValidationError(option, message_line(e));
+  } catch (const InputError& e) {
+    throw CLI::ValidationError(option, e.text());
+  } catch (const std::runtime_error& e) {
+    throw CLI::ValidationError(option, e.what());
+  }
+}
+
 // --- Inputs and results --------------------------------------------------------
 
 /// How results are written.
@@ -110,7 +190,8 @@ class InputError : public std::runtime_error {
 ///  - line: exactly one line per input, "<input>\t<result>", or
 ///    "<input>\terror: <identifier>: <text>" when refused. Used for inputs read
 ///    from a file or standard input, so that output line n belongs to input
-///    line n.
+///    line n. The input is echoed with Escape::bytes and every field of the
+///    result with Escape::field (add_field), so each TAB separates fields.
 ///  - json: one JSON object per input and line (JSON Lines), with --json.
 enum class Format { detail, line, json };
 
@@ -124,8 +205,9 @@ struct Input {
 struct Record {
   Format format;
   /// detail and line formats: the text to append. In the line format it
-  /// follows the echoed input; each field starts with a '\t'. Text appended
-  /// before a refusal is kept in the detail format and dropped in the others.
+  /// follows the echoed input, and each field is appended with add_field. Text
+  /// appended before a refusal is kept in the detail format and dropped in
+  /// the others.
   std::string& text;
   /// json format: the fields after "input"; "ok" and "error" are added by the
   /// driver.
@@ -145,7 +227,6 @@ enum class ArgGrouping {
 struct InputOptions {
   std::vector<std::string> args;
   std::string file;
-  std::string locale;
   bool json = false;
   ArgGrouping grouping = ArgGrouping::each;
 };
@@ -158,8 +239,11 @@ struct InputHelp {
 };
 
 /// Adds the positional inputs, --file, --json and --locale to `cmd`, and the
-/// examples as its help footer.
-std::shared_ptr<InputOptions> add_inputs(CLI::App* cmd, const InputHelp& help);
+/// examples as its help footer; `grouping` says how arguments make up inputs.
+/// --locale takes effect while the command line is parsed, before the
+/// subcommand's callback runs.
+std::shared_ptr<InputOptions> add_inputs(CLI::App* cmd, CommandState& state, const InputHelp& help,
+                                         ArgGrouping grouping = ArgGrouping::each);
 
 /// Runs `handler` on every input: the arguments, else the lines of --file,
 /// else (no argument, or a lone "-", or --file -) the lines of standard input.
@@ -179,6 +263,19 @@ void append_utf8(std::string& out, std::u16string_view text);
 
 /// Appends "'text'" with the text as UTF-8.
 void append_quoted(std::string& out, std::u16string_view text);
+
+/// Line format: appends one field of a result, a '\t' and then `text` (UTF-8)
+/// with Escape::field, so that no TAB, CR, LF or NUL of the text splits it.
+void add_field(std::string& line, std::string_view text);
+
+/// An integer for JSON output: a number when a double holds it exactly (at
+/// most 2^53 - 1 in size), else a string of its decimal digits, so that jq
+/// and JavaScript never round an index, a subscript or a size.
+[[nodiscard]] nlohmann::ordered_json json_integer(std::uint64_t value);
+[[nodiscard]] nlohmann::ordered_json json_integer(std::int64_t value);
+
+/// The values of a subscript as a JSON array of json_integer.
+[[nodiscard]] nlohmann::ordered_json values_json(const ui::core::ObjectPathSubscript& subscript);
 
 }  // namespace ui_core_tool
 

@@ -106,24 +106,14 @@ std::pair<std::string_view, std::string_view> split_size(std::string_view input,
 
 nlohmann::ordered_json size_json(const krel::ArraySize& size) {
   auto dims = nlohmann::ordered_json::array();
-  for (const std::size_t d : size) dims.push_back(d);
+  for (const std::size_t d : size) dims.push_back(json_integer(std::uint64_t{d}));
   return dims;
-}
-
-nlohmann::ordered_json values_json(const ui::core::ObjectPathSubscript& subscript) {
-  auto values = nlohmann::ordered_json::array();
-  for (std::size_t k = 0; k < subscript.size(); ++k) values.push_back(subscript(k));
-  return values;
 }
 
 // The size given with --size, or nothing; checked before any input is read.
 std::optional<krel::ArraySize> fixed_size(const std::string& text, bool given) {
   if (!given) return std::nullopt;
-  try {
-    return parse_size(text);
-  } catch (const InputError& e) {
-    throw CLI::ValidationError("--size", e.text());
-  }
+  return read_option("--size", [&] { return parse_size(text); });
 }
 
 // The language's text of a container path, value path or value tail.
@@ -132,26 +122,27 @@ std::string user_text(const Path& path) {
   return to_out(lang::core::to_user_string(path));
 }
 
-void setup_conversion(CLI::App& app, Outcome& outcome) {
+void setup_conversion(CLI::App& app, CommandState& state) {
   {
-    auto size_text = std::make_shared<std::string>();
+    auto size_text = state.fresh<std::string>();
     CLI::App* cmd = app.add_subcommand(
         "sub2ind", "Print the 0-based column-major index of 1-based subscripts into an array");
-    auto io = add_inputs(
-        cmd, {"inputs",
-              "Pairs <subscript> <size>, e.g. \"//2, 3\" 3x4, or with --size the subscripts; "
-              "a line of input holds both, the size last",
-              "  ui-core sub2ind '//2, 3' 3x4\n"
-              "  ui-core sub2ind --size 3x4 2,3 '//1, 4'\n"
-              "  printf '//2, 3 3x4\\n4 1x5\\n' | ui-core sub2ind --json\n"});
+    auto io =
+        add_inputs(cmd, state,
+                   {"inputs",
+                    "Pairs <subscript> <size>, e.g. \"//2, 3\" 3x4, or with --size the subscripts; "
+                    "a line of input holds both, the size last",
+                    "  ui-core sub2ind '//2, 3' 3x4\n"
+                    "  ui-core sub2ind --size 3x4 2,3 '//1, 4'\n"
+                    "  printf '//2, 3 3x4\\n4 1x5\\n' | ui-core sub2ind --json\n"});
     CLI::Option* size_option =
         cmd->add_option("--size", *size_text,
                         "The array size of every input, e.g. 3x4; the inputs are then "
                         "subscripts only");
-    cmd->callback([io, size_text, size_option, &outcome] {
+    cmd->callback([io, size_text, size_option, &state] {
       const auto size = fixed_size(*size_text, size_option->count() != 0);
       io->grouping = size ? ArgGrouping::each : ArgGrouping::pairs;
-      outcome.exit_code = run_inputs(*io, [&size](const Input& input, Record& out) {
+      state.exit_code = run_inputs(*io, [&size](const Input& input, Record& out) {
         std::string_view subscript_text = input.bytes;
         std::optional<krel::ArraySize> line_size;
         if (!size) {
@@ -167,37 +158,37 @@ void setup_conversion(CLI::App& app, Outcome& outcome) {
             out.text += std::to_string(index) + "\n";
             break;
           case Format::line:
-            out.text += '\t';
-            out.text += std::to_string(index);
+            add_field(out.text, std::to_string(index));
             break;
           case Format::json:
             out.json["subscript"] = values_json(subscript);
             out.json["size"] = size_json(array);
-            out.json["index"] = index;
+            out.json["index"] = json_integer(std::uint64_t{index});
             break;
         }
       });
     });
   }
   {
-    auto size_text = std::make_shared<std::string>();
+    auto size_text = state.fresh<std::string>();
     CLI::App* cmd = app.add_subcommand(
         "ind2sub", "Print the 1-based subscripts of a 0-based column-major index into an array");
-    auto io = add_inputs(
-        cmd, {"inputs",
-              "Pairs <index> <size>, e.g. 7 3x4, or with --size the indices; a line of input "
-              "holds both, the size last",
-              "  ui-core ind2sub 7 3x4\n"
-              "  ui-core ind2sub --size 2x3x4 0 23\n"
-              "  seq 0 11 | ui-core ind2sub --size 3x4 --json\n"});
+    auto io =
+        add_inputs(cmd, state,
+                   {"inputs",
+                    "Pairs <index> <size>, e.g. 7 3x4, or with --size the indices; a line of input "
+                    "holds both, the size last",
+                    "  ui-core ind2sub 7 3x4\n"
+                    "  ui-core ind2sub --size 2x3x4 0 23\n"
+                    "  seq 0 11 | ui-core ind2sub --size 3x4 --json\n"});
     CLI::Option* size_option =
         cmd->add_option("--size", *size_text,
                         "The array size of every input, e.g. 3x4; the inputs are then "
                         "indices only");
-    cmd->callback([io, size_text, size_option, &outcome] {
+    cmd->callback([io, size_text, size_option, &state] {
       const auto size = fixed_size(*size_text, size_option->count() != 0);
       io->grouping = size ? ArgGrouping::each : ArgGrouping::pairs;
-      outcome.exit_code = run_inputs(*io, [&size](const Input& input, Record& out) {
+      state.exit_code = run_inputs(*io, [&size](const Input& input, Record& out) {
         std::string_view index_text = input.bytes;
         std::optional<krel::ArraySize> line_size;
         if (!size) {
@@ -214,11 +205,10 @@ void setup_conversion(CLI::App& app, Outcome& outcome) {
             out.text += '\n';
             break;
           case Format::line:
-            out.text += '\t';
-            append_utf8(out.text, static_cast<krel::ustring>(sub));
+            add_field(out.text, to_out(static_cast<krel::ustring>(sub)));
             break;
           case Format::json:
-            out.json["index"] = index;
+            out.json["index"] = json_integer(std::uint64_t{index});
             out.json["size"] = size_json(array);
             out.json["subscript"] = values_json(sub);
             out.json["text"] = to_out(static_cast<krel::ustring>(sub));
@@ -230,12 +220,13 @@ void setup_conversion(CLI::App& app, Outcome& outcome) {
   {
     CLI::App* cmd = app.add_subcommand(
         "lang-path", "Print the language container and value paths of node paths, and back");
-    auto io = add_inputs(cmd, {"paths", "Non-empty node paths, e.g. Body//Frame/mass",
-                               "  ui-core lang-path Body//Frame/mass\n"
-                               "  ui-core lang-path --json a/b/c mass\n"
-                               "  ui-core lang-path --file paths.txt\n"});
-    cmd->callback([io, &outcome] {
-      outcome.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+    auto io = add_inputs(cmd, state,
+                         {"paths", "Non-empty node paths, e.g. Body//Frame/mass",
+                          "  ui-core lang-path Body//Frame/mass\n"
+                          "  ui-core lang-path --json a/b/c mass\n"
+                          "  ui-core lang-path --file paths.txt\n"});
+    cmd->callback([io, &state] {
+      state.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
         const ui::core::NodePath1 path(input.text);
         const lang::core::ContainerPath container =
             ui::core::to_container_path(ui::core::NodePath(path));
@@ -248,8 +239,9 @@ void setup_conversion(CLI::App& app, Outcome& outcome) {
                         "', tail '" + user_text(value.tail()) + "')\nnode path: " + back + "\n";
             break;
           case Format::line:
-            out.text += "\tcontainer: " + user_text(container) + "\tvalue: " + user_text(value) +
-                        "\tnode path: " + back;
+            add_field(out.text, "container: " + user_text(container));
+            add_field(out.text, "value: " + user_text(value));
+            add_field(out.text, "node path: " + back);
             break;
           case Format::json:
             out.json["container"] = user_text(container);

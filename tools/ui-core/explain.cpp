@@ -3,9 +3,15 @@
 //   ui-core explain kalder:common:ui:core:kernel:path:InvalidNodePath /mass
 //   ui-core explain --locale de --file ids.txt   # lines "<identifier>[<TAB><argument>...]"
 
-#include <iostream>
+#include <unicode/messagepattern.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
 
 #include "command.h"
+#include "line_io.h"
 #include "msgcat/catalogue.h"
 
 namespace ui_core_tool {
@@ -29,6 +35,53 @@ resource_core::BaseMsgID::Argument argument_for(const std::u16string& pattern, s
     }
   }
   return from_arg(arg);
+}
+
+// How many arguments a message pattern takes: one more than the highest
+// placeholder number ({0}, {1,number} ...), as ICU reads the pattern, so that
+// quoted braces and nested messages count the way they format.
+std::size_t arguments_needed(const std::u16string& pattern) {
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::UnicodeString text(reinterpret_cast<const UChar*>(pattern.data()),
+                                static_cast<int32_t>(pattern.size()));
+  const icu::MessagePattern parsed(text, nullptr, status);
+  if (U_FAILURE(status)) return 0;
+  std::size_t needed = 0;
+  for (int32_t i = 0; i < parsed.countParts(); ++i) {
+    if (parsed.getPartType(i) == UMSGPAT_PART_TYPE_ARG_NUMBER) {
+      needed = std::max(needed, static_cast<std::size_t>(parsed.getPart(i).getValue()) + 1);
+    }
+  }
+  return needed;
+}
+
+// Refuses an identifier given fewer arguments than its text has placeholders:
+// the text would show a raw "{1}" where a value belongs.
+void check_argument_count(const std::string& identifier, const std::u16string& pattern,
+                          std::size_t given) {
+  const std::size_t needed = arguments_needed(pattern);
+  if (given >= needed) return;
+  // "{1}", "{1} and {2}", "{0}, {1} and {2}".
+  const auto missing = [given, needed](const std::string& and_word) {
+    std::string list;
+    for (std::size_t i = given; i < needed; ++i) {
+      if (i != given) list += i + 1 == needed ? " " + and_word + " " : ", ";
+      list += "{" + std::to_string(i) + "}";
+    }
+    return list;
+  };
+  const std::string count = std::to_string(needed);
+  const bool one = needed - given == 1;
+  throw InputError("MissingArguments",
+                   nlohmann::ordered_json::array({identifier, json_integer(std::uint64_t{needed}),
+                                                  json_integer(std::uint64_t{given})}),
+                   identifier + " takes " + count + (needed == 1 ? " argument" : " arguments") +
+                       ", but " + std::to_string(given) + (given == 1 ? " was" : " were") +
+                       " given: " + missing("and") + (one ? " is" : " are") + " missing",
+                   identifier + " hat " + count + (needed == 1 ? " Argument" : " Argumente") +
+                       ", angegeben " + (given == 1 ? "wurde " : "wurden ") +
+                       std::to_string(given) + ": " + missing("und") +
+                       (one ? " fehlt" : " fehlen"));
 }
 
 // One input: "<catalogue>:<key>", then its arguments, each after a tab.
@@ -63,6 +116,7 @@ void explain(const Input& input, Record& out) {
                      "the catalogue has no message " + identifier,
                      "der Katalog hat keine Meldung " + identifier, false);
   }
+  check_argument_count(identifier, *pattern, fields.size() - 1);
   for (std::size_t i = 1; i < fields.size(); ++i) {
     id.arguments.push_back(argument_for(*pattern, i - 1, fields[i]));
   }
@@ -72,7 +126,7 @@ void explain(const Input& input, Record& out) {
       out.text += text + "\n";
       break;
     case Format::line:
-      out.text += "\t" + text;
+      add_field(out.text, text);
       break;
     case Format::json: {
       out.json["identifier"] = identifier;
@@ -85,12 +139,12 @@ void explain(const Input& input, Record& out) {
   }
 }
 
-void setup_explain(CLI::App& app, Outcome& outcome) {
-  auto list = std::make_shared<bool>(false);
+void setup_explain(CLI::App& app, CommandState& state) {
+  auto list = state.fresh<bool>(false);
   CLI::App* cmd = app.add_subcommand(
       "explain", "Print the text of message identifiers (catalogue:key) with their arguments");
   auto io = add_inputs(
-      cmd,
+      cmd, state,
       {"identifier",
        "A full identifier, e.g. kalder:common:ui:core:kernel:path:InvalidNodePath, followed by "
        "the message's arguments in order (one input); a line of input holds the same, "
@@ -100,20 +154,22 @@ void setup_explain(CLI::App& app, Outcome& outcome) {
        "/mass\n"
        "  printf 'kalder:common:ui:core:kernel:path:InvalidNodeId\\ta//\\n' | ui-core explain "
        "--json\n"
-       "  ui-core explain --list\n"});
-  io->grouping = ArgGrouping::all;
+       "  ui-core explain --list\n"},
+      ArgGrouping::all);
   cmd->add_flag("--list", *list, "List every identifier the catalogue knows");
-  cmd->callback([io, list, &outcome] {
+  cmd->callback([io, list, &state] {
     if (*list) {
+      Output& out = standard_output();
       std::string last;
       for (const auto& e : msgcat::entries()) {
         std::string id = e.catalogue + ":" + e.key;
-        if (id != last) std::cout << id << '\n';
+        if (id != last) out.text() += id + '\n';
         last = std::move(id);
       }
+      out.commit();
       return;
     }
-    outcome.exit_code = run_inputs(*io, &explain);
+    state.exit_code = run_inputs(*io, &explain);
   });
 }
 

@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <locale>
 #include <stdexcept>
@@ -16,6 +16,7 @@
 #include "command.h"
 #include "line_io.h"
 #include "msgcat/catalogue.h"
+#include "ui/core/object_path_subscript.h"
 
 namespace ui_core_tool {
 namespace {
@@ -24,19 +25,37 @@ namespace {
 constexpr std::string_view tool_catalogue = "ui-core";
 
 std::string& locale_slot() {
-  static std::string name = msgcat::global_locale_name();
+  static std::string name = "C";
   return name;
 }
 
-void write_stderr(const std::string& text) {
-  std::fwrite(text.data(), 1, text.size(), stderr);
-  std::fflush(stderr);
+// The process locale the tool runs under for a message locale: everything of
+// "C" (numbers with a '.', no grouping), but UTF-8 characters, and the
+// messages category of `name` when the system has that locale. The library
+// reads the messages category of the global locale for the texts it looks
+// up itself, and the character set of the C library's locale for the bytes
+// it writes, so both then agree with the tool, which writes UTF-8 whatever
+// the environment says.
+std::locale process_locale(const std::string& name) {
+  std::locale locale = std::locale::classic();
+  try {
+    locale = std::locale(locale, std::locale("C.UTF-8"), std::locale::ctype);
+  } catch (const std::runtime_error&) {
+    // No UTF-8 "C" locale: characters stay ASCII for the library's own output.
+  }
+  try {
+    locale = std::locale(locale, std::locale(name), std::locale::messages);
+  } catch (const std::runtime_error&) {
+    // A name the system has no locale for (such as "de") still selects the
+    // catalogue's language for every text the tool writes.
+  }
+  return locale;
 }
 
 nlohmann::ordered_json argument_json(const resource_core::BaseMsgID::Argument& argument) {
   struct Visitor {
-    nlohmann::ordered_json operator()(std::uint64_t v) const { return v; }
-    nlohmann::ordered_json operator()(std::int64_t v) const { return v; }
+    nlohmann::ordered_json operator()(std::uint64_t v) const { return json_integer(v); }
+    nlohmann::ordered_json operator()(std::int64_t v) const { return json_integer(v); }
     nlohmann::ordered_json operator()(double v) const { return v; }
     nlohmann::ordered_json operator()(const std::u16string& v) const {
       std::string text;
@@ -72,9 +91,10 @@ class Runner {
     const std::size_t bad = decode_utf8(bytes, text_);
     try {
       if (bad != std::string_view::npos) {
-        const std::string shown = printable(bytes);
+        const std::string shown = escaped(bytes);
         const std::string at = std::to_string(bad);
-        throw InputError("InvalidUtf8", nlohmann::ordered_json::array({shown, bad}),
+        throw InputError("InvalidUtf8",
+                         nlohmann::ordered_json::array({shown, json_integer(std::uint64_t{bad})}),
                          "'" + shown + "' is not valid UTF-8 (at byte " + at + ")",
                          "'" + shown + "' ist kein gültiges UTF-8 (bei Byte " + at + ")", false);
       }
@@ -86,7 +106,7 @@ class Runner {
           break;
         }
         case Format::line: {
-          out.append(bytes);
+          append_escaped(out, bytes, Escape::bytes);
           Record record{format_, out, json_};
           handler_(input, record);
           out += '\n';
@@ -106,21 +126,18 @@ class Runner {
       const resource_core::BaseMsgID& id = e.message().id();
       Refusal refusal{id.catalogue, id.key, nlohmann::ordered_json::array(), message_text(id)};
       for (const auto& a : id.arguments) refusal.arguments.push_back(argument_json(a));
-      refuse(mark, bytes, bad == std::string_view::npos, refusal);
+      refuse(mark, bytes, refusal);
       if (note_ && !noted_) {
         noted_ = true;
-        output_.flush();
-        output_.make_way();
         note_(e);
       }
     } catch (const InputError& e) {
       if (from_args && e.usage()) {
-        output_.flush();
-        write_stderr("error: " + e.text() + "\nRun with --help for more information.\n");
+        write_error("error: " + e.text() + "\nRun with --help for more information.\n");
         return false;
       }
       Refusal refusal{tool_catalogue, e.key(), e.arguments(), e.text()};
-      refuse(mark, bytes, bad == std::string_view::npos, refusal);
+      refuse(mark, bytes, refusal);
     }
     output_.commit();
     return true;
@@ -137,33 +154,27 @@ class Runner {
       json_ = nlohmann::ordered_json::object();
     }
     // Invalid UTF-8 comes out as U+FFFD when the record is written.
-    json_["input"] = std::string(bytes);
+    json_["input"] = bytes;
   }
 
-  void refuse(std::size_t mark, std::string_view bytes, bool valid, Refusal& refusal) {
+  void refuse(std::size_t mark, std::string_view bytes, Refusal& refusal) {
     ++refused_;
     std::string& out = output_.text();
+    std::string line = "error: ";
+    line.append(refusal.catalogue).append(":").append(refusal.key).append(": ");
+    line += refusal.text;
     switch (format_) {
       case Format::detail: {
-        // What the handler printed before the refusal stays, and comes first.
-        output_.flush();
-        std::string line = "error: ";
-        line.append(refusal.catalogue).append(":").append(refusal.key).append(": ");
-        line += refusal.text;
+        // What the handler printed before the refusal stays, and comes first
+        // (write_error writes standard output first).
         line += '\n';
-        write_stderr(line);
+        write_error(line);
         break;
       }
       case Format::line: {
         out.resize(mark);
-        if (valid) {
-          out.append(bytes);
-        } else {
-          out += printable(bytes);
-        }
-        out += "\terror: ";
-        out.append(refusal.catalogue).append(":").append(refusal.key).append(": ");
-        out += refusal.text;
+        append_escaped(out, bytes, Escape::bytes);
+        add_field(out, line);
         out += '\n';
         break;
       }
@@ -227,8 +238,7 @@ std::vector<std::string> group_arguments(const std::vector<std::string>& args,
   return args;
 }
 
-int read_lines(int fd, const std::string& name, Runner& runner, Output& output,
-               Progress& progress) {
+int read_lines(int fd, const std::string& name, Runner& runner, Progress& progress) {
   LineReader reader(fd);
   std::string_view line;
   std::uint64_t fills = 0;
@@ -244,10 +254,8 @@ int read_lines(int fd, const std::string& name, Runner& runner, Output& output,
     }
   }
   if (reader.error() != 0) {
-    output.flush();
-    progress.clear();
-    write_stderr("error: cannot read " + name + ": " + std::strerror(reader.error()) + "\n");
-    return exit_refused;
+    write_error("error: cannot read " + name + ": " + std::strerror(reader.error()) + "\n");
+    return exit_io;
   }
   return exit_ok;
 }
@@ -258,14 +266,28 @@ const std::string& message_locale() {
   return locale_slot();
 }
 
-void select_message_locale(const std::string& name) {
-  locale_slot() = name;
-  try {
-    std::locale::global(std::locale(name));
-  } catch (const std::runtime_error&) {
-    // A name the system has no locale for (such as "de") still selects the
-    // catalogue's language; the tool formats every message itself.
+std::string environment_locale() {
+  // The order in which the C library lets these variables decide the
+  // messages category.
+  for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* value = std::getenv(variable);
+    if (value != nullptr && *value != '\0') return value;
   }
+  return "C";
+}
+
+void select_message_locale(const std::string& name) {
+  // Every command line of a batch starts from the environment's locale:
+  // making a std::locale costs more than most commands, so an unchanged name
+  // is not applied again.
+  static bool applied = false;
+  if (applied && locale_slot() == name) return;
+  applied = true;
+  locale_slot() = name;
+  // std::locale::global also sets the C library's locale to the same
+  // categories, which is where the library's narrow text conversion and
+  // number parsing look.
+  std::locale::global(process_locale(name));
 }
 
 std::string message_text(const resource_core::BaseMsgID& id) {
@@ -274,8 +296,12 @@ std::string message_text(const resource_core::BaseMsgID& id) {
   return text;
 }
 
+std::string message_line(const krel::MessageException& e) {
+  return e.message().identifier() + ": " + message_text(e.message().id());
+}
+
 void report(const krel::MessageException& e) {
-  write_stderr("error: " + e.message().identifier() + ": " + message_text(e.message().id()) + "\n");
+  write_error("error: " + message_line(e) + "\n");
 }
 
 InputError::InputError(std::string key, nlohmann::ordered_json arguments, const std::string& text,
@@ -326,8 +352,42 @@ void append_quoted(std::string& out, std::u16string_view text) {
   out += '\'';
 }
 
-std::shared_ptr<InputOptions> add_inputs(CLI::App* cmd, const InputHelp& help) {
-  auto options = std::make_shared<InputOptions>();
+void add_field(std::string& line, std::string_view text) {
+  line += '\t';
+  append_escaped(line, text, Escape::field);
+}
+
+namespace {
+// 2^53 - 1: every integer up to it, and its neighbours, are exact as doubles,
+// which is all the numbers jq and JavaScript have.
+constexpr std::uint64_t largest_exact_integer = (std::uint64_t{1} << 53) - 1;
+}  // namespace
+
+nlohmann::ordered_json json_integer(std::uint64_t value) {
+  if (value <= largest_exact_integer) return value;
+  return std::to_string(value);
+}
+
+nlohmann::ordered_json json_integer(std::int64_t value) {
+  const std::uint64_t size =
+      value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+  if (size <= largest_exact_integer) return value;
+  return std::to_string(value);
+}
+
+nlohmann::ordered_json values_json(const ui::core::ObjectPathSubscript& subscript) {
+  auto values = nlohmann::ordered_json::array();
+  for (std::size_t k = 0; k < subscript.size(); ++k) {
+    values.push_back(json_integer(std::uint64_t{subscript(k)}));
+  }
+  return values;
+}
+
+std::shared_ptr<InputOptions> add_inputs(CLI::App* cmd, CommandState& state, const InputHelp& help,
+                                         ArgGrouping grouping) {
+  InputOptions initial;
+  initial.grouping = grouping;
+  auto options = state.fresh<InputOptions>(initial);
   cmd->add_option(help.name, options->args,
                   help.description +
                       ". Without any (or with a lone '-') the inputs are read from standard "
@@ -336,14 +396,18 @@ std::shared_ptr<InputOptions> add_inputs(CLI::App* cmd, const InputHelp& help) {
                   "Read the inputs from this file, one per line ('-': standard input)");
   cmd->add_flag("--json", options->json,
                 "Write one JSON object per input and line (JSON Lines), the input included");
-  cmd->add_option("--locale", options->locale,
+  cmd->add_option("--locale",
                   "Locale of the message texts, e.g. de_DE.UTF-8 or en (default: the "
-                  "environment's, LC_ALL / LC_MESSAGES / LANG)");
+                  "environment's, LC_ALL / LC_MESSAGES / LANG); output stays UTF-8 with "
+                  "'.' in numbers")
+      ->each([](const std::string& name) { select_message_locale(name); });
   cmd->footer(
       "Inputs come from the arguments; else from the lines of --file; else from standard "
       "input. Results: a report per argument; one line per input line "
-      "(\"<input><TAB><result>\"); with --json one JSON object per input. Exit code: 0 all "
-      "inputs accepted, 1 some refused (the others are still processed), 2 bad usage.\n\n"
+      "(\"<input><TAB><result>\", TAB, CR, LF and NUL written as \\t \\r \\n \\0, and in the "
+      "input a backslash as \\\\); with --json one JSON object per input. Exit code: 0 all "
+      "inputs accepted, 1 some refused (the others are still processed), 2 bad usage, 3 "
+      "reading or writing failed.\n\n"
       "Examples:\n" +
       help.examples);
   return options;
@@ -354,12 +418,10 @@ int run_inputs(const InputOptions& options, const Handler& handler) {
 }
 
 int run_inputs(const InputOptions& options, const Handler& handler, const RefusalNote& note) {
-  if (!options.locale.empty()) select_message_locale(options.locale);
-
   bool use_stdin = false;
   if (!options.file.empty()) {
     if (!options.args.empty()) {
-      write_stderr(
+      write_error(
           "error: give the inputs as arguments or with --file, not both\n"
           "Run with --help for more information.\n");
       return exit_usage;
@@ -371,76 +433,63 @@ int run_inputs(const InputOptions& options, const Handler& handler, const Refusa
   const bool from_args = options.file.empty() && !use_stdin;
   const Format format = options.json ? Format::json : from_args ? Format::detail : Format::line;
 
-  int code = exit_ok;
-  std::uint64_t inputs = 0;
-  std::uint64_t refused = 0;
   if (from_args) {
     std::vector<std::string> grouped;
     try {
       grouped = group_arguments(options.args, options.grouping);
     } catch (const InputError& e) {
-      write_stderr("error: " + e.text() + "\nRun with --help for more information.\n");
+      write_error("error: " + e.text() + "\nRun with --help for more information.\n");
       return exit_usage;
     }
-    Output output(STDOUT_FILENO);
-    Runner runner(handler, note, format, output);
+    Runner runner(handler, note, format, standard_output());
     for (const std::string& arg : grouped) {
       if (!runner.process(arg, true)) return exit_usage;
-    }
-    if (!output.flush()) {
-      write_stderr("error: cannot write standard output\n");
-      return exit_refused;
     }
     return runner.refused() == 0 ? exit_ok : exit_refused;
   }
 
-  int fd = STDIN_FILENO;
-  std::string name = "standard input";
+  const FileDescriptor file(use_stdin ? -1 : ::open(options.file.c_str(), O_RDONLY | O_CLOEXEC));
+  const int fd = use_stdin ? command_input() : file.get();
+  const std::string name = use_stdin ? std::string("standard input") : options.file;
   std::uint64_t total = 0;
   if (!use_stdin) {
-    name = options.file;
-    fd = ::open(options.file.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
-      write_stderr("error: cannot open " + options.file + ": " + std::strerror(errno) + "\n");
+      write_error("error: cannot open " + options.file + ": " + std::strerror(errno) + "\n");
       return exit_usage;
     }
     struct stat info {};
     if (::fstat(fd, &info) == 0) {
       if (S_ISDIR(info.st_mode)) {
-        ::close(fd);
-        write_stderr("error: " + options.file + " is a directory\n");
+        write_error("error: " + options.file + " is a directory\n");
         return exit_usage;
       }
       if (S_ISREG(info.st_mode)) total = static_cast<std::uint64_t>(info.st_size);
     }
     ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
-  } else if (::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1) {
-    write_stderr("(reading inputs from standard input, one per line; end with Ctrl-D)\n");
+  } else if (::isatty(fd) == 1 && ::isatty(STDERR_FILENO) == 1) {
+    write_error("(reading inputs from standard input, one per line; end with Ctrl-D)\n");
   }
+  int code = exit_ok;
+  std::uint64_t inputs = 0;
+  std::uint64_t refused = 0;
   {
     // The progress line is for a person waiting on a file being worked through.
     Progress progress(name, total, !use_stdin && ::isatty(STDERR_FILENO) == 1);
-    Output output(STDOUT_FILENO, &progress);
-    Runner runner(handler, note, format, output);
-    code = read_lines(fd, name, runner, output, progress);
-    if (!output.flush()) {
-      progress.clear();
-      write_stderr("error: cannot write standard output\n");
-      code = exit_refused;
-    }
+    const ProgressScope scope(progress);
+    Runner runner(handler, note, format, standard_output());
+    code = read_lines(fd, name, runner, progress);
     progress.clear();
     inputs = runner.inputs();
     refused = runner.refused();
   }
-  if (!use_stdin) ::close(fd);
   if (refused > 0) {
     const std::string counts = std::to_string(refused) +
                                (msgcat::language_of(message_locale()) == "de" ? " von " : " of ") +
                                std::to_string(inputs);
-    write_stderr(msgcat::language_of(message_locale()) == "de"
-                     ? "ui-core: " + counts + (inputs == 1 ? " Eingabe" : " Eingaben") +
-                           " abgelehnt\n"
-                     : "ui-core: " + counts + (inputs == 1 ? " input" : " inputs") + " refused\n");
+    write_error(msgcat::language_of(message_locale()) == "de"
+                    ? "ui-core: " + counts + (inputs == 1 ? " Eingabe" : " Eingaben") +
+                          " abgelehnt\n"
+                    : "ui-core: " + counts + (inputs == 1 ? " input" : " inputs") + " refused\n");
     if (code == exit_ok) code = exit_refused;
   }
   return code;

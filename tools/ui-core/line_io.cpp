@@ -2,11 +2,55 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace ui_core_tool {
+
+namespace {
+
+// The length of the well-formed UTF-8 sequence at `p` (1 to 4) and its code
+// point in `code`, or 0 when the bytes at `p` do not start one. The ranges of
+// the second byte follow from the Unicode table of well-formed sequences:
+// they exclude overlong forms, surrogates and values past U+10FFFF.
+inline std::size_t utf8_sequence(const unsigned char* p, const unsigned char* end,
+                                 char32_t& code) noexcept {
+  const unsigned char lead = *p;
+  if (lead < 0x80) {
+    code = lead;
+    return 1;
+  }
+  std::size_t length = 0;
+  unsigned char low = 0x80;
+  unsigned char high = 0xBF;
+  if (lead >= 0xC2 && lead <= 0xDF) {
+    length = 2;
+    code = lead & 0x1FU;
+  } else if (lead >= 0xE0 && lead <= 0xEF) {
+    length = 3;
+    code = lead & 0x0FU;
+    if (lead == 0xE0) low = 0xA0;
+    if (lead == 0xED) high = 0x9F;
+  } else if (lead >= 0xF0 && lead <= 0xF4) {
+    length = 4;
+    code = lead & 0x07U;
+    if (lead == 0xF0) low = 0x90;
+    if (lead == 0xF4) high = 0x8F;
+  } else {
+    return 0;
+  }
+  if (static_cast<std::size_t>(end - p) < length || p[1] < low || p[1] > high) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((p[i] & 0xC0U) != 0x80U) return 0;
+    code = (code << 6) | (p[i] & 0x3FU);
+  }
+  return length;
+}
+
+}  // namespace
 
 std::size_t decode_utf8(std::string_view bytes, krel::ustring& out) {
   // UTF-16 never needs more code units than UTF-8 has bytes; the buffer is
@@ -17,46 +61,15 @@ std::size_t decode_utf8(std::string_view bytes, krel::ustring& out) {
   const unsigned char* p = first;
   const unsigned char* const end = p + bytes.size();
   while (p != end) {
-    const unsigned char lead = *p;
-    if (lead < 0x80) {
-      *to++ = lead;
-      ++p;
+    if (*p < 0x80) {
+      *to++ = *p++;
       continue;
     }
-    // The ranges of the second byte follow from the Unicode table of
-    // well-formed sequences: they exclude overlong forms, surrogates and
-    // values past U+10FFFF.
-    std::size_t length = 0;
-    unsigned char low = 0x80;
-    unsigned char high = 0xBF;
     char32_t code = 0;
-    if (lead >= 0xC2 && lead <= 0xDF) {
-      length = 2;
-      code = lead & 0x1FU;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-      length = 3;
-      code = lead & 0x0FU;
-      if (lead == 0xE0) low = 0xA0;
-      if (lead == 0xED) high = 0x9F;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-      length = 4;
-      code = lead & 0x07U;
-      if (lead == 0xF0) low = 0x90;
-      if (lead == 0xF4) high = 0x8F;
-    } else {
+    const std::size_t length = utf8_sequence(p, end, code);
+    if (length == 0) {
       out.resize(static_cast<std::size_t>(to - out.data()));
       return static_cast<std::size_t>(p - first);
-    }
-    if (static_cast<std::size_t>(end - p) < length || p[1] < low || p[1] > high) {
-      out.resize(static_cast<std::size_t>(to - out.data()));
-      return static_cast<std::size_t>(p - first);
-    }
-    for (std::size_t i = 1; i < length; ++i) {
-      if ((p[i] & 0xC0U) != 0x80U) {
-        out.resize(static_cast<std::size_t>(to - out.data()));
-        return static_cast<std::size_t>(p - first);
-      }
-      code = (code << 6) | (p[i] & 0x3FU);
     }
     p += length;
     if (code >= 0x10000) {
@@ -71,22 +84,68 @@ std::size_t decode_utf8(std::string_view bytes, krel::ustring& out) {
   return std::string_view::npos;
 }
 
-std::string printable(std::string_view bytes) {
+void append_escaped(std::string& out, std::string_view text, Escape escape) {
   static constexpr char hex[] = "0123456789abcdef";
+  const bool bytes = escape == Escape::bytes;
+  const auto* p = reinterpret_cast<const unsigned char*>(text.data());
+  const unsigned char* const end = p + text.size();
+  const unsigned char* copied = p;  // bytes before this one are in `out`
+  while (p != end) {
+    const unsigned char c = *p;
+    const char* replacement = nullptr;
+    switch (c) {
+      case '\t':
+        replacement = "\\t";
+        break;
+      case '\r':
+        replacement = "\\r";
+        break;
+      case '\n':
+        replacement = "\\n";
+        break;
+      case '\0':
+        replacement = "\\0";
+        break;
+      case '\\':
+        if (bytes) replacement = "\\\\";
+        break;
+      default:
+        break;
+    }
+    if (replacement == nullptr) {
+      if (c < 0x80 || !bytes) {
+        ++p;
+        continue;
+      }
+      char32_t code = 0;
+      const std::size_t length = utf8_sequence(p, end, code);
+      if (length != 0) {
+        p += length;
+        continue;
+      }
+    }
+    out.append(reinterpret_cast<const char*>(copied), static_cast<std::size_t>(p - copied));
+    if (replacement != nullptr) {
+      out += replacement;
+    } else {
+      out += "\\x";
+      out += hex[c >> 4];
+      out += hex[c & 15];
+    }
+    copied = ++p;
+  }
+  out.append(reinterpret_cast<const char*>(copied), static_cast<std::size_t>(end - copied));
+}
+
+std::string escaped(std::string_view bytes) {
   std::string shown;
   shown.reserve(bytes.size());
-  for (const char c : bytes) {
-    const auto u = static_cast<unsigned char>(c);
-    if (u >= 0x20 && u < 0x7f) {
-      shown += c;
-    } else {
-      shown += "\\x";
-      shown += hex[u >> 4];
-      shown += hex[u & 15];
-    }
-  }
+  append_escaped(shown, bytes, Escape::bytes);
   return shown;
 }
+
+OutputError::OutputError(const std::string& stream, int error)
+    : std::runtime_error("cannot write " + stream + ": " + std::strerror(error)), error_(error) {}
 
 // --- Progress ----------------------------------------------------------------
 
@@ -106,16 +165,18 @@ std::string human_size(std::uint64_t bytes) {
   return text;
 }
 
-void write_all(int fd, const char* data, std::size_t size) {
-  while (size > 0) {
-    const ssize_t n = ::write(fd, data, size);
+// Writes all of `data`, going on after an interrupted or partial write: 0, or
+// the errno of the write that failed. The one place the tool calls write().
+int write_fd(int fd, std::string_view data) noexcept {
+  while (!data.empty()) {
+    const ssize_t n = ::write(fd, data.data(), data.size());
     if (n < 0) {
       if (errno == EINTR) continue;
-      return;
+      return errno;
     }
-    data += n;
-    size -= static_cast<std::size_t>(n);
+    data.remove_prefix(static_cast<std::size_t>(n));
   }
+  return 0;
 }
 
 constexpr auto redraw_interval = std::chrono::milliseconds(250);
@@ -143,15 +204,17 @@ void Progress::draw_if_due(std::uint64_t bytes, std::uint64_t lines) {
     line += " / " + human_size(total_) + " (" + std::to_string(bytes * 100 / total_) + "%)";
   }
   line += ", " + std::to_string(lines) + (lines == 1 ? " line" : " lines") + "\x1b[K";
-  write_all(STDERR_FILENO, line.data(), line.size());
+  if (write_fd(STDERR_FILENO, line) != 0) {
+    enabled_ = false;  // a terminal that takes no more progress lines gets none
+    return;
+  }
   shown_ = true;
 }
 
-void Progress::clear() {
+void Progress::clear() noexcept {
   if (!shown_) return;
-  static constexpr char erase[] = "\r\x1b[K";
-  write_all(STDERR_FILENO, erase, sizeof erase - 1);
   shown_ = false;
+  if (write_fd(STDERR_FILENO, "\r\x1b[K") != 0) enabled_ = false;
 }
 
 // --- LineReader ----------------------------------------------------------------
@@ -184,7 +247,29 @@ bool LineReader::fill() {
   }
 }
 
+void LineReader::skip_byte_order_mark() {
+  // A byte-order mark, which some editors write at the start of a UTF-8 file,
+  // says how the file is encoded and is no part of its first line. More bytes
+  // are waited for only while those there could still begin one, so a person
+  // typing at a terminal is never kept waiting.
+  static constexpr std::string_view mark = "\xEF\xBB\xBF";
+  for (;;) {
+    const std::string_view start(buffer_.data() + begin_, std::min(end_ - begin_, mark.size()));
+    if (!mark.starts_with(start)) return;
+    if (start.size() == mark.size()) {
+      begin_ += mark.size();
+      consumed_ += mark.size();
+      return;
+    }
+    if (at_end_ || !fill()) return;
+  }
+}
+
 bool LineReader::next(std::string_view& line) {
+  if (!started_) {
+    started_ = true;
+    skip_byte_order_mark();
+  }
   std::size_t scanned = begin_;  // where the search for '\n' goes on after a fill
   for (;;) {
     const void* nl = std::memchr(buffer_.data() + scanned, '\n', end_ - scanned);
@@ -218,32 +303,37 @@ bool LineReader::next(std::string_view& line) {
 
 // --- Output --------------------------------------------------------------------
 
-Output::Output(int fd, Progress* progress)
-    : fd_(fd), progress_(progress), interactive_(::isatty(fd) == 1) {
+Output::Output(int fd, std::string name)
+    : fd_(fd), name_(std::move(name)), interactive_(::isatty(fd) == 1) {
   buffer_.reserve(flush_size + (std::size_t{1} << 16));
 }
 
-Output::~Output() {
-  flush();
-}
-
-bool Output::flush() {
-  if (buffer_.empty()) return !failed_;
-  if (progress_ != nullptr && interactive_) progress_->clear();
-  const char* data = buffer_.data();
-  std::size_t size = buffer_.size();
-  while (size > 0 && !failed_) {
-    const ssize_t n = ::write(fd_, data, size);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      failed_ = true;
-      break;
-    }
-    data += n;
-    size -= static_cast<std::size_t>(n);
+void Output::flush() {
+  if (error_ == 0 && buffer_.empty()) return;
+  if (error_ == 0) {
+    if (progress_ != nullptr && interactive_) progress_->clear();
+    error_ = write_fd(fd_, buffer_);
   }
   buffer_.clear();
-  return !failed_;
+  if (error_ != 0) throw OutputError(name_, error_);
+}
+
+FileDescriptor::~FileDescriptor() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+Output& standard_output() {
+  static Output output(STDOUT_FILENO, "standard output");
+  return output;
+}
+
+void write_error(std::string_view text) {
+  Output& out = standard_output();
+  if (!out.failed()) out.flush();
+  out.make_way();
+  if (const int error = write_fd(STDERR_FILENO, text); error != 0) {
+    throw OutputError("standard error", error);
+  }
 }
 
 }  // namespace ui_core_tool

@@ -1,15 +1,19 @@
-// line_io.h - fast line input, buffered output and a progress line
+// line_io.h - fast line input, checked buffered output and a progress line
 //
 // The tool reads inputs of any size line by line and writes one result per
 // line. These classes keep that in constant memory (one buffer each, grown
 // only for a line longer than the buffer) and cheap per line: no iostreams, no
-// flush per line unless a person is watching the terminal.
+// flush per line unless a person is watching the terminal. Every byte the tool
+// writes goes through Output::flush or write_error, which check each write and
+// throw OutputError at the first one that fails, so a run never goes on
+// producing output nobody receives.
 
 #ifndef UI_CORE_TOOL_LINE_IO_H
 #define UI_CORE_TOOL_LINE_IO_H
 
 #include <chrono>
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,13 +28,40 @@ namespace ui_core_tool {
 /// when the whole text is valid.
 std::size_t decode_utf8(std::string_view bytes, krel::ustring& out);
 
-/// The bytes with everything but printable ASCII written as \xNN, for
-/// showing an input that is not valid UTF-8.
-std::string printable(std::string_view bytes);
+/// Which bytes append_escaped writes as escapes.
+enum class Escape {
+  /// TAB, CR, LF and NUL as \t \r \n \0: a text that stays within one
+  /// TAB-separated field of one line.
+  field,
+  /// As `field`, and also a backslash as \\ and every byte that is not part
+  /// of a valid UTF-8 sequence as \xNN (two lower-case hex digits): the text
+  /// reads back as exactly the bytes given.
+  bytes,
+};
+
+/// Appends `text` with the escapes `escape` selects; every other byte is
+/// copied as it is. The one escaping of the tool: echoed inputs, result
+/// fields of the line format, and bytes shown in messages.
+void append_escaped(std::string& out, std::string_view text, Escape escape);
+
+/// The bytes as append_escaped(..., Escape::bytes) writes them.
+[[nodiscard]] std::string escaped(std::string_view bytes);
+
+/// A write to standard output or standard error failed.
+class OutputError : public std::runtime_error {
+ public:
+  /// `stream` names the stream ("standard output"), `error` is the errno.
+  OutputError(const std::string& stream, int error);
+  [[nodiscard]] int error() const noexcept { return error_; }
+
+ private:
+  int error_;
+};
 
 /// A progress line on standard error ("\r<name>: 12.5 MiB / 1.0 GiB (1%),
 /// 345678 lines") for an input of known size, redrawn at most four times a
-/// second, and only when standard error is a terminal.
+/// second, and only when standard error is a terminal. A progress line that
+/// cannot be written is given up (the results are not affected).
 class Progress {
  public:
   Progress(std::string name, std::uint64_t total_bytes, bool enabled);
@@ -47,7 +78,7 @@ class Progress {
     if (enabled_) draw_if_due(bytes, lines);
   }
   /// Removes the line, if drawn (before other output reaches the terminal).
-  void clear();
+  void clear() noexcept;
 
  private:
   void draw_if_due(std::uint64_t bytes, std::uint64_t lines);
@@ -62,7 +93,8 @@ class Progress {
 
 /// Reads a file descriptor line by line through one buffer (1 MiB, grown only
 /// for a longer line). A line ends at '\n', which is not part of it, nor is a
-/// '\r' just before it; the last line needs no '\n'.
+/// '\r' just before it; the last line needs no '\n'. A UTF-8 byte-order mark
+/// at the very start is not part of the first line.
 class LineReader {
  public:
   explicit LineReader(int fd);
@@ -79,6 +111,7 @@ class LineReader {
 
  private:
   bool fill();
+  void skip_byte_order_mark();
 
   int fd_;
   std::vector<char> buffer_;
@@ -88,6 +121,7 @@ class LineReader {
   std::uint64_t lines_ = 0;
   std::uint64_t fills_ = 0;
   bool at_end_ = false;
+  bool started_ = false;
   int error_ = 0;
 };
 
@@ -96,31 +130,69 @@ class LineReader {
 /// descriptor is a terminal, so that a person sees each result at once.
 class Output {
  public:
-  explicit Output(int fd, Progress* progress = nullptr);
+  Output(int fd, std::string name);
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
-  ~Output();
 
   [[nodiscard]] std::string& text() noexcept { return buffer_; }
   /// Ends one record: writes the buffer when it is large or interactive.
   void commit() {
     if (interactive_ || buffer_.size() >= flush_size) flush();
   }
-  /// Writes everything buffered; false when writing failed.
-  bool flush();
+  /// Writes everything buffered. Throws OutputError when a write fails; the
+  /// buffer is dropped then, and every later flush throws again.
+  void flush();
+  [[nodiscard]] bool failed() const noexcept { return error_ != 0; }
+
+  /// The progress line to clear before writing to the terminal (or none).
+  void set_progress(Progress* progress) noexcept { progress_ = progress; }
   /// Removes the progress line before something else is written to stderr.
-  void make_way() {
+  void make_way() noexcept {
     if (progress_ != nullptr) progress_->clear();
   }
 
  private:
   static constexpr std::size_t flush_size = std::size_t{1} << 18;
   int fd_;
-  Progress* progress_;
+  std::string name_;
+  Progress* progress_ = nullptr;
   bool interactive_;
-  bool failed_ = false;
+  int error_ = 0;
   std::string buffer_;
 };
+
+/// The process's standard output.
+[[nodiscard]] Output& standard_output();
+
+/// Lets standard output clear `progress` before it writes, for the lifetime
+/// of the scope.
+class ProgressScope {
+ public:
+  explicit ProgressScope(Progress& progress) { standard_output().set_progress(&progress); }
+  ProgressScope(const ProgressScope&) = delete;
+  ProgressScope& operator=(const ProgressScope&) = delete;
+  ~ProgressScope() { standard_output().set_progress(nullptr); }
+};
+
+/// Owns a file descriptor the tool opened (none when negative) and closes it
+/// however the run ends.
+class FileDescriptor {
+ public:
+  explicit FileDescriptor(int fd) noexcept : fd_(fd) {}
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+  ~FileDescriptor();
+  [[nodiscard]] int get() const noexcept { return fd_; }
+
+ private:
+  int fd_;
+};
+
+/// Writes `text` to standard error at once, after everything standard output
+/// has buffered (so that the two keep their order on a terminal or in one
+/// file) and after clearing the progress line. Throws OutputError when a
+/// write fails.
+void write_error(std::string_view text);
 
 }  // namespace ui_core_tool
 

@@ -64,9 +64,7 @@ void describe(const Input& input, Record& out, const std::optional<NodePath>& ba
       break;
     }
     case Format::line: {
-      std::string& s = out.text;
-      s += '\t';
-      s += std::to_string(path.size());
+      std::string s = std::to_string(path.size());
       s += path.size() == 1 ? " identifier" : " identifiers";
       const char* separator = ": ";
       for (const NodeId& id : path) {
@@ -74,13 +72,15 @@ void describe(const Input& input, Record& out, const std::optional<NodePath>& ba
         separator = " ";
         append_quoted(s, id.ustring());
       }
+      add_field(out.text, s);
       if (base) {
-        s += "\trelative: ";
+        s = "relative: ";
         if (rest) {
           append_quoted(s, rest->ustring());
         } else {
           s += "not a prefix";
         }
+        add_field(out.text, s);
       }
       break;
     }
@@ -98,24 +98,26 @@ void describe(const Input& input, Record& out, const std::optional<NodePath>& ba
   }
 }
 
-void setup_node_path(CLI::App& app, Outcome& outcome) {
-  auto base_text = std::make_shared<std::optional<std::string>>();
+void setup_node_path(CLI::App& app, CommandState& state) {
+  auto base_text = state.fresh<std::optional<std::string>>();
   CLI::App* cmd = app.add_subcommand(
       "node-path", "Parse node path texts: validity, identifiers (escapes kept) and text form");
-  auto io = add_inputs(cmd, {"texts", "Node path texts, e.g. 'Body//Frame/mass'",
-                             "  ui-core node-path 'Body//Frame/mass' /mass\n"
-                             "  ui-core node-path --relative-to a/b a/b/c a/x\n"
-                             "  ui-core node-path --file paths.txt            # one line per path\n"
-                             "  ui-core node-path --json < paths.txt | jq -c .ids\n"
-                             "  ui-core node-path --locale de_DE.UTF-8 a/\n"});
+  auto io = add_inputs(cmd, state,
+                       {"texts", "Node path texts, e.g. 'Body//Frame/mass'",
+                        "  ui-core node-path 'Body//Frame/mass' /mass\n"
+                        "  ui-core node-path --relative-to a/b a/b/c a/x\n"
+                        "  ui-core node-path --file paths.txt            # one line per path\n"
+                        "  ui-core node-path --json < paths.txt | jq -c .ids\n"
+                        "  ui-core node-path --locale de_DE.UTF-8 a/\n"});
   cmd->add_option("--relative-to", *base_text,
                   "Also print the rest of each path after this base path (relpath)");
-  cmd->callback([io, base_text, &outcome] {
-    if (!io->locale.empty()) select_message_locale(io->locale);
-    // An invalid base is refused before any text is looked at (exit 1).
+  cmd->callback([io, base_text, &state] {
+    // An invalid base is bad usage, reported before any text is looked at.
     std::optional<NodePath> base;
-    if (*base_text) base.emplace(from_arg(**base_text));
-    outcome.exit_code =
+    if (*base_text) {
+      base = read_option("--relative-to", [&] { return NodePath(from_arg(**base_text)); });
+    }
+    state.exit_code =
         run_inputs(*io, [&base](const Input& input, Record& out) { describe(input, out, base); });
   });
 }

@@ -26,12 +26,6 @@ void append_values(std::string& s, const ObjectPathSubscript& subscript) {
   }
 }
 
-nlohmann::ordered_json values_json(const ObjectPathSubscript& subscript) {
-  auto values = nlohmann::ordered_json::array();
-  for (std::size_t k = 0; k < subscript.size(); ++k) values.push_back(subscript(k));
-  return values;
-}
-
 void write_path(Record& out, const ObjectPath& path) {
   switch (out.format) {
     case Format::detail: {
@@ -50,9 +44,7 @@ void write_path(Record& out, const ObjectPath& path) {
       break;
     }
     case Format::line: {
-      std::string& s = out.text;
-      s += '\t';
-      s += std::to_string(path.size());
+      std::string s = std::to_string(path.size());
       s += path.size() == 1 ? " element" : " elements";
       const char* separator = ": ";
       for (const ObjectPathElement& e : path) {
@@ -61,6 +53,7 @@ void write_path(Record& out, const ObjectPath& path) {
         s += e.as_subscript() != nullptr ? "subscript " : "name ";
         append_quoted(s, ui::core::to_string(e));
       }
+      add_field(out.text, s);
       break;
     }
     case Format::json: {
@@ -91,36 +84,39 @@ void write_rest(Record& out, const krel::ustring& rest) {
       append_utf8(out.text, rest);
       out.text += '\n';
       break;
-    case Format::line:
-      out.text += "\trest: ";
-      append_quoted(out.text, rest);
+    case Format::line: {
+      std::string s = "rest: ";
+      append_quoted(s, rest);
+      add_field(out.text, s);
       break;
+    }
     case Format::json:
       out.json["rest"] = to_out(rest);
       break;
   }
 }
 
-void setup_object_path(CLI::App& app, Outcome& outcome) {
+void setup_object_path(CLI::App& app, CommandState& state) {
   struct Options {
     bool partial = false;
     bool names_only = false;
   };
-  auto opts = std::make_shared<Options>();
+  auto opts = state.fresh<Options>();
   CLI::App* cmd = app.add_subcommand(
       "object-path",
       "Parse object path texts (names and subscripts joined by /) and print their elements");
-  auto io = add_inputs(cmd, {"texts", "Object path texts, such as 'a///1, 2/b'",
-                             "  ui-core object-path 'a///1, 2/b' a//b/c\n"
-                             "  ui-core object-path --partial 'a///b'\n"
-                             "  ui-core object-path --json --file paths.txt\n"
-                             "  printf 'a/b\\n//3/x\\n' | ui-core object-path --names-only\n"});
+  auto io = add_inputs(cmd, state,
+                       {"texts", "Object path texts, such as 'a///1, 2/b'",
+                        "  ui-core object-path 'a///1, 2/b' a//b/c\n"
+                        "  ui-core object-path --partial 'a///b'\n"
+                        "  ui-core object-path --json --file paths.txt\n"
+                        "  printf 'a/b\\n//3/x\\n' | ui-core object-path --names-only\n"});
   cmd->add_flag("--partial", opts->partial,
                 "Parse as far as possible and print the unparsed rest instead of refusing it");
   cmd->add_flag("--names-only", opts->names_only,
                 "Accept names only; a subscript segment ends the path");
-  cmd->callback([opts, io, &outcome] {
-    outcome.exit_code = run_inputs(*io, [opts](const Input& input, Record& out) {
+  cmd->callback([opts, io, &state] {
+    state.exit_code = run_inputs(*io, [opts](const Input& input, Record& out) {
       if (out.format == Format::detail) {
         out.text += "input: ";
         out.text.append(input.bytes);
@@ -139,17 +135,18 @@ void setup_object_path(CLI::App& app, Outcome& outcome) {
   });
 }
 
-void setup_subscript(CLI::App& app, Outcome& outcome) {
+void setup_subscript(CLI::App& app, CommandState& state) {
   CLI::App* cmd = app.add_subcommand(
       "subscript", "Parse object path subscript texts (//2, 3) and print their values");
-  auto io = add_inputs(cmd, {"texts", "Subscript texts, such as '//2, 3'",
-                             "  ui-core subscript '// 2 ,3'\n"
-                             "  ui-core subscript --json //1 '//4, 5, 6'\n"
-                             "  ui-core subscript --file subscripts.txt\n"});
-  cmd->callback([io, &outcome] {
+  auto io = add_inputs(cmd, state,
+                       {"texts", "Subscript texts, such as '//2, 3'",
+                        "  ui-core subscript '// 2 ,3'\n"
+                        "  ui-core subscript --json //1 '//4, 5, 6'\n"
+                        "  ui-core subscript --file subscripts.txt\n"});
+  cmd->callback([io, &state] {
     // Several arguments each get a heading; a single one prints its report alone.
     const bool headings = io->args.size() > 1;
-    outcome.exit_code = run_inputs(*io, [headings](const Input& input, Record& out) {
+    state.exit_code = run_inputs(*io, [headings](const Input& input, Record& out) {
       const ObjectPathSubscript subscript(input.text);
       switch (out.format) {
         case Format::detail: {
@@ -170,12 +167,15 @@ void setup_subscript(CLI::App& app, Outcome& outcome) {
                "\n";
           break;
         }
-        case Format::line:
-          out.text += "\tvalues: ";
-          append_values(out.text, subscript);
-          out.text += "\ttext: ";
-          append_quoted(out.text, static_cast<krel::ustring>(subscript));
+        case Format::line: {
+          std::string s = "values: ";
+          append_values(s, subscript);
+          add_field(out.text, s);
+          s = "text: ";
+          append_quoted(s, static_cast<krel::ustring>(subscript));
+          add_field(out.text, s);
           break;
+        }
         case Format::json:
           out.json["values"] = values_json(subscript);
           out.json["text"] = to_out(static_cast<krel::ustring>(subscript));

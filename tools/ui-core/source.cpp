@@ -1,11 +1,10 @@
 // ui-core source: Sources made by the installed bundles, printed.
 //
-//   ui-core source --location model/plant.ssc:12:5
+//   ui-core source --location model/plant.model:12:5
 //   ui-core source --kind block model/Sub/Gain model/Sub/Sum
 //   ui-core source --kind dialog --json --file blocks.txt
 
 #include <charconv>
-#include <iostream>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -15,6 +14,7 @@
 #include "command.h"
 #include "krel/bundles.h"
 #include "krel/location.h"
+#include "line_io.h"
 #include "ui/core/errors.h"
 #include "ui/core/source.h"
 
@@ -56,30 +56,31 @@ krel::Location parse_location(std::string_view text) {
 // Where the bundles were looked for: the likely reason no source could be made.
 void note_bundle_search(const krel::MessageException& e) {
   if (!ui::core::is_error(e, ui::core::ErrorId::CannotCreateSource)) return;
-  std::cerr << "note: no bundle of the set kalder_ui_create_source provides this service; "
-               "folders searched:";
+  std::string note =
+      "note: no bundle of the set kalder_ui_create_source provides this service; folders "
+      "searched:";
   const auto path = krel::bundle_search_path();
-  if (path.empty()) std::cerr << " none";
-  for (const auto& folder : path) std::cerr << ' ' << folder.string();
-  std::cerr << '\n';
+  if (path.empty()) note += " none";
+  for (const auto& folder : path) note += ' ' + folder.string();
+  write_error(note + '\n');
 }
 
-void setup_source(CLI::App& app, Outcome& outcome) {
+void setup_source(CLI::App& app, CommandState& state) {
   struct Options {
     std::string location;
     std::string block;
     bool open_dialog = false;
     Kind kind = Kind::location;
   };
-  auto opts = std::make_shared<Options>();
+  auto opts = state.fresh<Options>();
   CLI::App* cmd = app.add_subcommand(
       "source", "Create sources through the installed service bundles and print them");
   auto io = add_inputs(
-      cmd,
+      cmd, state,
       {"keys", "Keys of the kind --kind: file positions FILE:LINE:COL (the default), or block ids",
-       "  ui-core source --location model/plant.ssc:12:5\n"
+       "  ui-core source --location model/plant.model:12:5\n"
        "  ui-core source --block model/Sub/Gain --open-dialog\n"
-       "  ui-core source a.ssc:1:1 b.ssc:20:3\n"
+       "  ui-core source a.model:1:1 b.model:20:3\n"
        "  ui-core source --kind block --json --file blocks.txt\n"});
   CLI::Option* location =
       cmd->add_option("--location", opts->location, "One file position, FILE:LINE:COL");
@@ -98,7 +99,7 @@ void setup_source(CLI::App& app, Outcome& outcome) {
   dialog->needs(block);
   kind->excludes(location);
   kind->excludes(block);
-  cmd->callback([opts, io, location, block, &outcome] {
+  cmd->callback([opts, io, location, block, &state] {
     Kind key_kind = opts->kind;
     if (location->count() != 0 || block->count() != 0) {
       if (!io->args.empty() || !io->file.empty()) {
@@ -113,7 +114,7 @@ void setup_source(CLI::App& app, Outcome& outcome) {
         key_kind = opts->open_dialog ? Kind::dialog : Kind::block;
       }
     }
-    outcome.exit_code = run_inputs(
+    state.exit_code = run_inputs(
         *io,
         [key_kind](const Input& input, Record& out) {
           boost::shared_ptr<ui::core::Source> source;
@@ -140,8 +141,7 @@ void setup_source(CLI::App& app, Outcome& outcome) {
               out.text += '\n';
               break;
             case Format::line:
-              out.text += '\t';
-              out.text += source ? printed : "(no source)";
+              add_field(out.text, source ? printed : "(no source)");
               break;
             case Format::json: {
               static constexpr const char* kinds[] = {"location", "block", "dialog"};

@@ -5,15 +5,14 @@
 //   ui-core escape-xml < page.html
 //   ui-core access --json --file access.txt
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -57,57 +56,47 @@ std::size_t complete_prefix(std::string_view buffer) noexcept {
   return n;
 }
 
-// Escapes `in` to `out` piece by piece, so that input of any size runs in
-// constant memory.
-int escape_stream(std::FILE* in, std::FILE* out, std::size_t chunk_size, Progress* progress) {
+// Escapes the input `fd` to standard output piece by piece, so that input of
+// any size runs in constant memory.
+int escape_stream(int fd, const std::string& name, std::size_t chunk_size, Progress& progress) {
   std::string buffer;
   std::string block(chunk_size, '\0');
   std::uint64_t bytes = 0;
   std::uint64_t lines = 0;
-  // The progress line makes way for output that goes to the same terminal.
-  const bool clear_progress = progress != nullptr && ::isatty(::fileno(out)) == 1;
+  Output& out = standard_output();
   for (;;) {
-    const std::size_t got = std::fread(block.data(), 1, block.size(), in);
-    if (std::ferror(in)) {
-      std::cerr << "error: cannot read the input\n";
-      return exit_refused;
+    const ssize_t got = ::read(fd, block.data(), block.size());
+    if (got < 0) {
+      if (errno == EINTR) continue;
+      write_error("error: cannot read " + name + ": " + std::strerror(errno) + "\n");
+      return exit_io;
     }
-    // fread comes back short only at the end of the input (or on an error).
-    const bool at_end = got < block.size();
-    buffer.append(block, 0, got);
-    if (progress != nullptr) {
-      bytes += got;
-      lines += static_cast<std::uint64_t>(std::count(block.begin(), block.begin() + got, '\n'));
-      progress->update_chunk(bytes, lines);
-    }
+    const bool at_end = got == 0;
+    const auto size = static_cast<std::size_t>(got);
+    buffer.append(block, 0, size);
+    bytes += size;
+    lines += static_cast<std::uint64_t>(std::count(block.begin(), block.begin() + got, '\n'));
+    progress.update_chunk(bytes, lines);
     const std::size_t cut = at_end ? buffer.size() : complete_prefix(buffer);
     if (cut > 0) {
       const ustring text = krel::utf8_string_to_ustring(std::string_view(buffer).substr(0, cut));
-      const std::string escaped = krel::ustring_to_utf8_string(ui::core::escape_xml(text));
-      if (clear_progress) progress->clear();
-      if (std::fwrite(escaped.data(), 1, escaped.size(), out) != escaped.size()) {
-        std::cerr << "error: cannot write standard output\n";
-        return exit_refused;
-      }
+      out.text() += krel::ustring_to_utf8_string(ui::core::escape_xml(text));
+      out.commit();
       buffer.erase(0, cut);
     }
     if (at_end) break;
-  }
-  if (std::fflush(out) != 0) {
-    std::cerr << "error: cannot write standard output\n";
-    return exit_refused;
   }
   return exit_ok;
 }
 
 // A subcommand that maps each input text to one output text.
-void add_text_command(CLI::App& app, Outcome& outcome, const std::string& name,
+void add_text_command(CLI::App& app, CommandState& state, const std::string& name,
                       const std::string& description, const InputHelp& help,
                       const std::string& json_field, ustring (*function)(const ustring&)) {
   CLI::App* cmd = app.add_subcommand(name, description);
-  auto io = add_inputs(cmd, help);
-  cmd->callback([io, json_field, function, &outcome] {
-    outcome.exit_code = run_inputs(*io, [&json_field, function](const Input& input, Record& out) {
+  auto io = add_inputs(cmd, state, help);
+  cmd->callback([io, json_field, function, &state] {
+    state.exit_code = run_inputs(*io, [&json_field, function](const Input& input, Record& out) {
       const ustring result = function(input.text);
       switch (out.format) {
         case Format::detail:
@@ -115,8 +104,7 @@ void add_text_command(CLI::App& app, Outcome& outcome, const std::string& name,
           out.text += '\n';
           break;
         case Format::line:
-          out.text += '\t';
-          append_utf8(out.text, result);
+          add_field(out.text, to_out(result));
           break;
         case Format::json:
           out.json[json_field] = to_out(result);
@@ -136,85 +124,92 @@ std::string unit_conversion_text(ui::core::UnitConversionType type) {
   return message_text(id);
 }
 
-void setup_text(CLI::App& app, Outcome& outcome) {
-  add_text_command(app, outcome, "block-name",
+void setup_text(CLI::App& app, CommandState& state) {
+  add_text_command(app, state, "block-name",
                    "Print the last block name of block paths (\"//\" is a \"/\" in a name)",
                    {"paths", "Block paths, e.g. model/sub/Gain",
                     "  ui-core block-name model/sub/Gain 'a///b'\n"
                     "  ui-core block-name --file paths.txt\n"
                     "  ui-core block-name --json < paths.txt\n"},
                    "name", &ui::core::block_name);
-  add_text_command(app, outcome, "block-path-without-model",
+  add_text_command(app, state, "block-path-without-model",
                    "Print block paths without their first component, the model",
                    {"paths", "Block paths, e.g. model/sub/Gain",
                     "  ui-core block-path-without-model model/sub/Gain\n"
                     "  ui-core block-path-without-model --json --file paths.txt\n"},
                    "path", &ui::core::block_path_without_model);
   {
-    auto chunk = std::make_shared<std::size_t>(std::size_t{1} << 16);
+    auto chunk = state.fresh<std::size_t>(std::size_t{1} << 16);
     CLI::App* cmd = app.add_subcommand(
         "escape-xml",
         "Escape & ' \" > < for XML: arguments one per line, or standard input / --file copied "
         "as a stream (invalid UTF-8 becomes U+FFFD); --json escapes line by line");
-    auto io = add_inputs(cmd, {"texts", "Texts to escape, each printed on its own line",
-                               "  printf '<a href=\"x&y\">\\n' | ui-core escape-xml\n"
-                               "  ui-core escape-xml --file page.html > page.txt\n"
-                               "  ui-core escape-xml 'a<b' \"it's\"\n"
-                               "  ui-core escape-xml --json --file lines.txt\n"});
+    auto io = add_inputs(cmd, state,
+                         {"texts", "Texts to escape, each printed on its own line",
+                          "  printf '<a href=\"x&y\">\\n' | ui-core escape-xml\n"
+                          "  ui-core escape-xml --file page.html > page.txt\n"
+                          "  ui-core escape-xml 'a<b' \"it's\"\n"
+                          "  ui-core escape-xml --json --file lines.txt\n"});
     cmd->add_option("--chunk-size", *chunk,
                     "Bytes read at a time when copying a stream (default 65536)")
         ->check(CLI::Range(std::size_t{1}, std::size_t{1} << 26));
-    cmd->callback([chunk, io, &outcome] {
+    cmd->callback([chunk, io, &state] {
       const bool from_args =
           io->file.empty() && !io->args.empty() && !(io->args.size() == 1 && io->args[0] == "-");
       if (io->json || from_args || (!io->file.empty() && !io->args.empty())) {
-        outcome.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+        state.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
           const ustring escaped = ui::core::escape_xml(input.text);
-          if (out.format == Format::json) {
-            out.json["escaped"] = to_out(escaped);
-          } else {
-            if (out.format == Format::line) out.text += '\t';
-            append_utf8(out.text, escaped);
-            if (out.format == Format::detail) out.text += '\n';
+          switch (out.format) {
+            case Format::detail:
+              append_utf8(out.text, escaped);
+              out.text += '\n';
+              break;
+            case Format::line:
+              add_field(out.text, to_out(escaped));
+              break;
+            case Format::json:
+              out.json["escaped"] = to_out(escaped);
+              break;
           }
         });
         return;
       }
-      if (!io->locale.empty()) select_message_locale(io->locale);
       if (io->file.empty() || io->file == "-") {
-        outcome.exit_code = escape_stream(stdin, stdout, *chunk, nullptr);
+        Progress none("", 0, false);
+        state.exit_code = escape_stream(command_input(), "standard input", *chunk, none);
         return;
       }
-      std::FILE* in = std::fopen(io->file.c_str(), "rb");
-      if (in == nullptr) {
-        std::cerr << "error: cannot open " << io->file << ": " << std::strerror(errno) << '\n';
-        outcome.exit_code = exit_usage;
+      const FileDescriptor file(::open(io->file.c_str(), O_RDONLY | O_CLOEXEC));
+      if (file.get() < 0) {
+        write_error("error: cannot open " + io->file + ": " + std::strerror(errno) + "\n");
+        state.exit_code = exit_usage;
         return;
       }
       struct stat info {};
       const std::uint64_t total =
-          ::fstat(::fileno(in), &info) == 0 && S_ISREG(info.st_mode) ? info.st_size : 0;
+          ::fstat(file.get(), &info) == 0 && S_ISREG(info.st_mode) ? info.st_size : 0;
       Progress progress(io->file, total, ::isatty(STDERR_FILENO) == 1);
-      outcome.exit_code = escape_stream(in, stdout, *chunk, &progress);
-      std::fclose(in);
+      const ProgressScope scope(progress);
+      state.exit_code = escape_stream(file.get(), io->file, *chunk, progress);
     });
   }
   {
     CLI::App* cmd = app.add_subcommand(
         "access", "Read access texts (internal or external, exactly) and print them back");
-    auto io = add_inputs(cmd, {"texts", "Access texts",
-                               "  ui-core access internal external\n"
-                               "  ui-core access --json --file access.txt\n"
-                               "  ui-core access --locale de_DE.UTF-8 intern\n"});
-    cmd->callback([io, &outcome] {
-      outcome.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+    auto io = add_inputs(cmd, state,
+                         {"texts", "Access texts",
+                          "  ui-core access internal external\n"
+                          "  ui-core access --json --file access.txt\n"
+                          "  ui-core access --locale de_DE.UTF-8 intern\n"});
+    cmd->callback([io, &state] {
+      state.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
         const std::string text = to_out(ui::core::to_user_string(ui::core::to_access(input.text)));
         switch (out.format) {
           case Format::detail:
             out.text += text + "\n";
             break;
           case Format::line:
-            out.text += "\t" + text;
+            add_field(out.text, text);
             break;
           case Format::json:
             out.json["access"] = text;
@@ -228,11 +223,12 @@ void setup_text(CLI::App& app, Outcome& outcome) {
         "unit-conversion-type",
         "Read unit conversion kinds (absolute or relative, exactly); any other text is the "
         "unknown kind, printed in the user's language");
-    auto io = add_inputs(cmd, {"texts", "Unit conversion kinds",
-                               "  ui-core unit-conversion-type relative Relative\n"
-                               "  ui-core unit-conversion-type --locale de --json delta\n"});
-    cmd->callback([io, &outcome] {
-      outcome.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+    auto io = add_inputs(cmd, state,
+                         {"texts", "Unit conversion kinds",
+                          "  ui-core unit-conversion-type relative Relative\n"
+                          "  ui-core unit-conversion-type --locale de --json delta\n"});
+    cmd->callback([io, &state] {
+      state.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
         const ui::core::UnitConversionType type = ui::core::to_unit_conversion_type(input.text);
         const std::string text = unit_conversion_text(type);
         const auto value = static_cast<std::int32_t>(type);
@@ -241,7 +237,7 @@ void setup_text(CLI::App& app, Outcome& outcome) {
             out.text += text + " (" + std::to_string(value) + ")\n";
             break;
           case Format::line:
-            out.text += "\t" + text + " (" + std::to_string(value) + ")";
+            add_field(out.text, text + " (" + std::to_string(value) + ")");
             break;
           case Format::json:
             out.json["type"] = text;

@@ -4,7 +4,6 @@
 //   ui-core unit --json --to Pa psi bar
 
 #include <iomanip>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -113,7 +112,7 @@ void write_report(const UnitReport& r, Record& out) {
       for (const std::string& line : report_lines(r)) out.text += line + "\n";
       break;
     case Format::line:
-      for (const std::string& line : report_lines(r)) out.text += "\t" + line;
+      for (const std::string& line : report_lines(r)) add_field(out.text, line);
       break;
     case Format::json: {
       out.json["text"] = r.text;
@@ -135,36 +134,40 @@ void write_report(const UnitReport& r, Record& out) {
   }
 }
 
-void setup_unit(CLI::App& app, Outcome& outcome) {
+void setup_unit(CLI::App& app, CommandState& state) {
   struct Options {
     std::string to;
     bool nonaffine = false;
   };
-  auto opts = std::make_shared<Options>();
+  auto opts = state.fresh<Options>();
   CLI::App* cmd = app.add_subcommand(
       "unit",
       "Show unit expressions' canonical text, their conversion to another and their non-affine "
       "text");
-  auto io = add_inputs(cmd, {"expressions", "Unit expressions, e.g. kg*m^2/s^2, degF, km/h",
-                             "  ui-core unit degF --to degC\n"
-                             "  ui-core unit degC --nonaffine\n"
-                             "  ui-core unit --to Pa psi bar mmHg\n"
-                             "  ui-core unit --json --file units.txt\n"});
+  auto io = add_inputs(cmd, state,
+                       {"expressions", "Unit expressions, e.g. kg*m^2/s^2, degF, km/h",
+                        "  ui-core unit degF --to degC\n"
+                        "  ui-core unit degC --nonaffine\n"
+                        "  ui-core unit --to Pa psi bar mmHg\n"
+                        "  ui-core unit --json --file units.txt\n"});
   cmd->add_option("--to", opts->to, "Print the exact conversion to this unit expression");
   cmd->add_flag("--nonaffine", opts->nonaffine,
                 "Convert without offsets (linear) and show the non-affine (delta) unit text");
-  cmd->callback([opts, io, &outcome] {
-    if (!io->locale.empty()) select_message_locale(io->locale);
-    // The target is read once; an invalid one refuses the whole run (exit 1).
+  cmd->callback([opts, io, &state] {
+    // The target is read once; an invalid one is bad usage, reported before
+    // any input is looked at.
     std::optional<units::Expr> to;
     if (!opts->to.empty()) {
-      to.emplace(from_arg(opts->to));
-      if (!to->isValid()) {
-        throw krel::MessageException(to->problem().value_or(units::Expr::invalidMessage()));
-      }
+      to = read_option("--to", [&] {
+        units::Expr target(from_arg(opts->to));
+        if (!target.isValid()) {
+          throw krel::MessageException(target.problem().value_or(units::Expr::invalidMessage()));
+        }
+        return target;
+      });
     }
     const bool headings = io->args.size() > 1;
-    outcome.exit_code = run_inputs(*io, [opts, &to, headings](const Input& input, Record& out) {
+    state.exit_code = run_inputs(*io, [opts, &to, headings](const Input& input, Record& out) {
       const UnitReport r = work_out(input.text, to, opts->nonaffine);
       if (headings && out.format == Format::detail) {
         out.text += "input: ";

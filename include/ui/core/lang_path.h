@@ -38,7 +38,8 @@ namespace ui::core {
 
 /// The identifiers but the last as the head (see to_container_path; empty for a
 /// path of one identifier), and the last identifier's text as the tail's name,
-/// with no cell index.
+/// with no cell index. Throws InvalidNodePath1 with the empty text for a path
+/// that was emptied (through `ids()`, or by moving from it).
 [[nodiscard]] lang::core::ValuePath to_value_path(const NodePath1& path);
 
 /// One identifier per step, built from the step's name. Throws NonScalarPath

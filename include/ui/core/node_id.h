@@ -19,13 +19,14 @@
 #ifndef UI_CORE_NODE_ID_H
 #define UI_CORE_NODE_ID_H
 
+#include <compare>
 #include <cstddef>
+#include <cstring>
+#include <functional>
 #include <iosfwd>
-#include <new>
 #include <optional>
 #include <utility>
 #include <variant>
-#include <vector>
 
 #include "krel/cow.h"
 #include "ui/core/errors.h"
@@ -70,49 +71,9 @@ namespace ui::core {
 /// is built.
 [[nodiscard]] bool is_node_path(const ustring& text) noexcept;
 
-class NodeId;
-
 namespace detail {
 
-struct NodeIdBlock;
 struct NodePathParser;
-
-/// Builds the identifiers of one parsed path with their records in one
-/// allocation, for texts already known to be identifiers. Internal to the
-/// node path parser.
-class NodeIdBatch {
- public:
-  /// Room for `capacity` identifiers, after room for one record of
-  /// `front_size` bytes that the caller may place in the block (front()).
-  NodeIdBatch(std::size_t capacity, std::size_t front_size);
-  ~NodeIdBatch();
-  NodeIdBatch(const NodeIdBatch&) = delete;
-  NodeIdBatch& operator=(const NodeIdBatch&) = delete;
-
-  /// Appends to `ids`, which must have the room reserved, the identifier of
-  /// the text [first, last), which must satisfy is_node_id; its white space
-  /// is cleaned here unless `may_hold_space` is false. At most `capacity`
-  /// calls.
-  void add_to(std::vector<NodeId>& ids, const char16_t* first, const char16_t* last,
-              bool may_hold_space);
-
-  /// The block, and the room for the front record in it. A record placed
-  /// there must take its reference with take_front_reference() and give it
-  /// back through NodeIdBlock's release when it is destroyed.
-  /// @{
-  [[nodiscard]] NodeIdBlock* block() const noexcept { return block_; }
-  [[nodiscard]] void* front() const noexcept;
-  /// @}
-  /// Hands the reference kept for the front record to the record placed at
-  /// front(). The count was set for it when the block was made, so this
-  /// touches no shared state.
-  void take_front_reference() noexcept { front_taken_ = true; }
-
- private:
-  NodeIdBlock* block_;
-  std::size_t used_ = 0;
-  bool front_taken_ = false;
-};
 
 /// The check behind NodeId: the text to store (`clean_white_space` of a valid
 /// identifier text), or ErrorId::InvalidNodeId when `is_node_id` is false.
@@ -125,13 +86,17 @@ struct NodeIdCheck {
 
 /// A checked node identifier: one component of a node path.
 ///
-/// Invariant: the text is non-empty, its first and last characters are not "/",
-/// and every "/" in it is half of an escaped pair "//" (`is_node_id` holds).
+/// Invariant (of every NodeId not moved from): the text is non-empty, its first
+/// and last characters are not "/", and every "/" in it is half of an escaped
+/// pair "//" (`is_node_id` holds).
 /// White space was replaced by spaces when the identifier was built; escapes
 /// stay doubled exactly as given.
 ///
 /// Ownership: a handle; copies share one immutable record that the last copy
-/// frees. Moving copies the handle, so a moved-from NodeId keeps its text.
+/// frees, together with everything allocated for it. A move hands the record
+/// over without touching its count; the moved-from NodeId holds no identifier
+/// until it is assigned to: its text reads as empty, and it compares equal
+/// only to another moved-from NodeId.
 /// Threads: copies may be used and destroyed on any threads at once; a single
 /// object is like an int (many readers, or one writer).
 class NodeId {
@@ -143,28 +108,23 @@ class NodeId {
   /// `is_node_id(text)` is false.
   explicit NodeId(const ui::core::ustring& text);
 
-  /// Only the node path parser can make one of these, and with it a NodeId
-  /// that takes over a record it has built.
-  class BatchKey {
-    friend class detail::NodeIdBatch;
-    BatchKey() {}
-  };
-  /// Takes over `adopted`, a record the node path parser has built and checked.
-  NodeId(BatchKey, Rep* adopted) noexcept : rep_(adopted) {}
-
   /// The non-throwing twin: accepts exactly the texts the constructor accepts.
   [[nodiscard]] static std::optional<NodeId> make(const ui::core::ustring& text);
 
-  // Copying is the only transfer: a move would leave a handle without a
-  // record, which is not a valid identifier. A copy costs one atomic increment.
-  /// Shares the other identifier's record; never throws.
+  /// A copy shares the other identifier's record (one atomic increment); a
+  /// move takes it over. Neither throws.
   /// @{
   NodeId(const NodeId&) noexcept = default;
   NodeId& operator=(const NodeId&) noexcept = default;
+  NodeId(NodeId&&) noexcept = default;
+  NodeId& operator=(NodeId&&) noexcept = default;
   /// @}
 
-  /// The stored text, escapes kept.
-  [[nodiscard]] const ui::core::ustring& ustring() const noexcept { return rep_.read().text; }
+  /// The stored text, escapes kept; empty only for a moved-from NodeId.
+  [[nodiscard]] const ui::core::ustring& ustring() const noexcept {
+    const Rep* rep = rep_.get();
+    return rep != nullptr ? rep->text : moved_from_text();
+  }
 
   /// True when both refer to one record (one was copied from the other).
   [[nodiscard]] bool shares_record_with(const NodeId& other) const noexcept {
@@ -174,47 +134,68 @@ class NodeId {
   /// Equal when both share one record, or else when their texts hold the same
   /// code units (case-sensitive, escapes compared as stored).
   friend bool operator==(const NodeId& a, const NodeId& b) noexcept {
-    return a.rep_.shares_with(b.rep_) || a.rep_.read().text == b.rep_.read().text;
+    return a.rep_.shares_with(b.rep_) || same_units(a.ustring(), b.ustring());
+  }
+
+  /// The texts in lexicographic order of their code units as unsigned 16-bit
+  /// numbers, a prefix first; equal exactly when `==` says so.
+  friend std::strong_ordering operator<=>(const NodeId& a, const NodeId& b) noexcept {
+    if (a.rep_.shares_with(b.rep_)) return std::strong_ordering::equal;
+    return a.ustring().compare(b.ustring()) <=> 0;
   }
 
  private:
-  friend class detail::NodeIdBatch;
-  friend struct detail::NodeIdBlock;
   friend struct detail::NodePathParser;
 
   struct Rep {
     krel::RefCount<> count;
     ui::core::ustring text;
-    /// The block this record shares with the other identifiers of one parsed
-    /// path, or null for a record allocated on its own.
-    detail::NodeIdBlock* block = nullptr;
 
     explicit Rep(ui::core::ustring&& t) noexcept : text(std::move(t)) {}
     /// The text of [first, last), copied once.
     Rep(const char16_t* first, const char16_t* last) : text(first, last) {}
     /// A copy is always a record of its own.
     Rep(const Rep& other) : text(other.text) {}
-
-    /// Destroys the record and frees its storage: its own allocation, or its
-    /// share of a block.
-    static void operator delete(Rep* rep, std::destroying_delete_t) noexcept;
-    /// A record of its own is allocated and, if its construction fails, freed
-    /// as any object is.
-    static void* operator new(std::size_t size) { return ::operator new(size); }
-    static void operator delete(void* p) noexcept { ::operator delete(p); }
   };
 
-  struct Checked {};  // selects the constructor for text that already passed the check
+  struct Checked {};  // selects the constructors for text that already passed the check
   NodeId(Checked, ui::core::ustring&& stored);
+  /// The identifier of [first, last), which is_node_id accepts; its white space
+  /// is cleaned unless `may_hold_space` is false.
+  NodeId(Checked, const char16_t* first, const char16_t* last, bool may_hold_space);
+
+  /// Equality of two texts, the test behind `==` (also of whole node paths):
+  /// lengths first, then all code units at once.
+  [[nodiscard]] static bool same_units(const ui::core::ustring& a,
+                                       const ui::core::ustring& b) noexcept {
+    return a.size() == b.size() &&
+           std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+  }
+
+  /// The text of a moved-from NodeId: empty.
+  [[nodiscard]] static const ui::core::ustring& moved_from_text() noexcept;
 
   [[nodiscard]] bool invariant_() const noexcept;
 
   krel::Cow<Rep> rep_;
 };
 
+/// A hash of the text, consistent with `==`: equal identifiers hash equal. Also
+/// what boost::hash finds.
+[[nodiscard]] std::size_t hash_value(const NodeId& id) noexcept;
+
 /// Writes the text in the narrow encoding of the current locale.
 std::ostream& operator<<(std::ostream& os, const NodeId& id);
 
 }  // namespace ui::core
+
+/// Lets identifiers key unordered containers, with the hash of hash_value.
+template <>
+struct std::hash<ui::core::NodeId> {
+  /// ui::core::hash_value(id).
+  std::size_t operator()(const ui::core::NodeId& id) const noexcept {
+    return ui::core::hash_value(id);
+  }
+};
 
 #endif  // UI_CORE_NODE_ID_H

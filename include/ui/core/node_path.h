@@ -25,10 +25,10 @@
 #ifndef UI_CORE_NODE_PATH_H
 #define UI_CORE_NODE_PATH_H
 
-#include <cassert>
+#include <compare>
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
-#include <new>
 #include <optional>
 #include <vector>
 
@@ -108,23 +108,25 @@ class NodePathBase {
   [[nodiscard]] reverse_iterator rend() { return ids().rend(); }
   /// @}
 
-  /// The first and last identifier; the path must not be empty. The non-const
-  /// ones copy a shared record first.
+  /// The first and last identifier. An empty path has neither and throws
+  /// InvalidNodePath1 with the empty text (a NodePath1 is empty only after
+  /// `ids()` was emptied or it was moved from). The non-const ones copy a
+  /// shared record first.
   /// @{
-  [[nodiscard]] const NodeId& front() const noexcept {
-    assert(!empty() && "front() of an empty node path");
+  [[nodiscard]] const NodeId& front() const {
+    check_not_empty_();
     return ids().front();
   }
-  [[nodiscard]] const NodeId& back() const noexcept {
-    assert(!empty() && "back() of an empty node path");
+  [[nodiscard]] const NodeId& back() const {
+    check_not_empty_();
     return ids().back();
   }
   [[nodiscard]] NodeId& front() {
-    assert(!empty() && "front() of an empty node path");
+    check_not_empty_();
     return ids().front();
   }
   [[nodiscard]] NodeId& back() {
-    assert(!empty() && "back() of an empty node path");
+    check_not_empty_();
     return ids().back();
   }
   /// @}
@@ -151,12 +153,20 @@ class NodePathBase {
   /// Element-wise equality of identifiers (NodeId's `==`).
   friend bool operator==(const NodePathBase& a, const NodePathBase& b) noexcept;
 
+  /// Lexicographic order of the identifiers (NodeId's `<=>`), a prefix first;
+  /// equal exactly when `==` says so, so paths can key a std::map.
+  friend std::strong_ordering operator<=>(const NodePathBase& a, const NodePathBase& b) noexcept;
+
  protected:
   /// Appends `other`'s identifiers: nothing when `other` is empty, a share of
   /// its record when this path is empty, otherwise one copy of this path's
-  /// record if shared and one reservation for both lengths. On failure the path
-  /// keeps its identifiers. `other` may be this path.
+  /// record if shared, and room for at least twice the identifiers whenever
+  /// it grows, so that appending costs amortised constant time per identifier.
+  /// On failure the path keeps its identifiers. `other` may be this path.
   void append_(const NodePathBase& other);
+
+  /// Throws InvalidNodePath1 with the path's text form when it is empty.
+  void check_not_empty_() const;
 
  private:
   friend struct detail::NodePathParser;
@@ -164,9 +174,6 @@ class NodePathBase {
   struct Rep {
     krel::RefCount<> count;
     std::vector<NodeId> ids;
-    /// The block this record shares with the records of its identifiers (a
-    /// parsed path), or null for a record allocated on its own.
-    detail::NodeIdBlock* block = nullptr;
 
     constexpr explicit Rep(krel::SharedEmptyTag) noexcept : count(krel::shared_empty_tag) {}
     explicit Rep(std::vector<NodeId>&& v) noexcept : ids(std::move(v)) {}
@@ -175,14 +182,6 @@ class NodePathBase {
 
     /// The record of every empty path; built at compile time, never freed.
     static Rep& shared_empty() noexcept;
-
-    /// Destroys the record and frees its storage: its own allocation, or its
-    /// share of a block.
-    static void operator delete(Rep* rep, std::destroying_delete_t) noexcept;
-    /// A record of its own is allocated and, if its construction fails, freed
-    /// as any object is.
-    static void* operator new(std::size_t size) { return ::operator new(size); }
-    static void operator delete(void* p) noexcept { ::operator delete(p); }
   };
 
   /// The handle of a new record holding `ids`, or of the shared empty record.
@@ -193,6 +192,10 @@ class NodePathBase {
 
 /// Writes the text form in the narrow encoding of the current locale.
 std::ostream& operator<<(std::ostream& os, const NodePathBase& path);
+
+/// A hash of the identifiers (their hash_value combined in order), consistent
+/// with `==`. Also what boost::hash finds.
+[[nodiscard]] std::size_t hash_value(const NodePathBase& path) noexcept;
 
 /// A node path that may be empty, with concatenation.
 ///
@@ -232,12 +235,14 @@ class NodePath : public NodePathBase {
 /// A node path that is never empty.
 ///
 /// Invariant: at least one identifier. Every constructor and `+=` establishes
-/// it and `check_()` verifies it; code that edits `ids()` directly must keep
-/// one identifier and may call `check_()` afterwards.
+/// it and `check_()` verifies it. Two things can still empty one: editing
+/// `ids()` directly, and moving from it. Every function that relies on the
+/// identifier (`front()`, `back()`, `to_value_path`, ...) checks first and
+/// throws InvalidNodePath1 instead.
 ///
-/// Ownership and threads as NodePathBase. Moving copies the handle (one atomic
-/// increment), so a moved-from NodePath1 keeps its identifiers and the
-/// invariant. There is no default constructor.
+/// Ownership and threads as NodePathBase. Moving hands the record over without
+/// touching its count and leaves the moved-from path empty, like a moved-from
+/// NodePath, until it is assigned to. There is no default constructor.
 class NodePath1 : public NodePathBase {
  public:
   /// Parses as NodePath does, then throws InvalidNodePath1 with the empty text
@@ -257,10 +262,13 @@ class NodePath1 : public NodePathBase {
   explicit NodePath1(std::vector<NodeId>&& ids);
   /// @}
 
-  /// Shares the other path's record; never throws.
+  /// A copy shares the other path's record; a move takes it over. Neither
+  /// throws.
   /// @{
   NodePath1(const NodePath1&) noexcept = default;
   NodePath1& operator=(const NodePath1&) noexcept = default;
+  NodePath1(NodePath1&&) noexcept = default;
+  NodePath1& operator=(NodePath1&&) noexcept = default;
   /// @}
 
   /// The non-throwing twin of the constructor from text: empty exactly when
@@ -289,5 +297,20 @@ class NodePath1 : public NodePathBase {
 [[nodiscard]] std::optional<NodePath> relpath(const NodePathBase& path, const NodePathBase& base);
 
 }  // namespace ui::core
+
+/// Lets node paths key unordered containers, with the hash of hash_value.
+template <>
+struct std::hash<ui::core::NodePathBase> {
+  /// ui::core::hash_value(path).
+  std::size_t operator()(const ui::core::NodePathBase& path) const noexcept {
+    return ui::core::hash_value(path);
+  }
+};
+/// The hash of NodePathBase, for NodePath keys.
+template <>
+struct std::hash<ui::core::NodePath> : std::hash<ui::core::NodePathBase> {};
+/// The hash of NodePathBase, for NodePath1 keys.
+template <>
+struct std::hash<ui::core::NodePath1> : std::hash<ui::core::NodePathBase> {};
 
 #endif  // UI_CORE_NODE_PATH_H

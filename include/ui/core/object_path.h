@@ -35,7 +35,9 @@
 #ifndef UI_CORE_OBJECT_PATH_H
 #define UI_CORE_OBJECT_PATH_H
 
+#include <compare>
 #include <cstddef>
+#include <functional>
 #include <initializer_list>
 #include <iosfwd>
 #include <utility>
@@ -113,10 +115,15 @@ class ObjectPath {
     return elements_.shares_with(other.elements_);
   }
 
-  /// The same elements in the same order.
+  /// The same elements in the same order (the elements' `==`).
   friend bool operator==(const ObjectPath& a, const ObjectPath& b) {
-    return a.elements_ == b.elements_;
+    return a.elements_.shares_with(b.elements_) || a.elements_ == b.elements_;
   }
+
+  /// Lexicographic order of the elements by compare() (every subscript before
+  /// every name), a prefix first; equivalent exactly when `==` says equal, so
+  /// paths can key a std::map.
+  friend std::weak_ordering operator<=>(const ObjectPath& a, const ObjectPath& b);
 
  private:
   // The parsers, which reserve the block once before they fill it.
@@ -127,6 +134,11 @@ class ObjectPath {
 
 /// a's elements, then b's; a is not changed.
 [[nodiscard]] ObjectPath operator/(const ObjectPath& a, const ObjectPath& b);
+
+/// The elements' hash_value combined in order with boost::hash_combine (the
+/// value boost::hash_range gives), consistent with `==`. Also what boost::hash
+/// finds.
+[[nodiscard]] std::size_t hash_value(const ObjectPath& path);
 
 /// Writes the text form in the local encoding.
 std::ostream& operator<<(std::ostream& os, const ObjectPath& path);
@@ -153,5 +165,14 @@ std::ostream& operator<<(std::ostream& os, const ObjectPath& path);
 [[nodiscard]] std::pair<ObjectPath, ustring> to_partial_name_path(const ustring& text);
 
 }  // namespace ui::core
+
+/// Lets paths key unordered containers, with the hash of hash_value.
+template <>
+struct std::hash<ui::core::ObjectPath> {
+  /// ui::core::hash_value(path).
+  std::size_t operator()(const ui::core::ObjectPath& path) const {
+    return ui::core::hash_value(path);
+  }
+};
 
 #endif  // UI_CORE_OBJECT_PATH_H

@@ -27,6 +27,7 @@
 #define UI_CORE_OBJECT_PATH_NAME_H
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <utility>
@@ -104,11 +105,25 @@ class ObjectPathName {
   krel::BasicTableString<char16_t> text_;
 };
 
+/// The hash of an element holding the name (see hash_value of
+/// ObjectPathElement), so a name hashes as its element does; consistent with
+/// `==`. Also what boost::hash finds.
+[[nodiscard]] std::size_t hash_value(const ObjectPathName& name) noexcept;
+
 /// Writes the text as UTF-8, whatever the locale. Subscripts, elements and
 /// paths write the locale's encoding instead; that a name alone is written as
 /// UTF-8 is deliberate, and callers that print names rely on it.
 std::ostream& operator<<(std::ostream& os, const ObjectPathName& name);
 
 }  // namespace ui::core
+
+/// Lets names key unordered containers, with the hash of hash_value.
+template <>
+struct std::hash<ui::core::ObjectPathName> {
+  /// ui::core::hash_value(name).
+  std::size_t operator()(const ui::core::ObjectPathName& name) const noexcept {
+    return ui::core::hash_value(name);
+  }
+};
 
 #endif  // UI_CORE_OBJECT_PATH_NAME_H

@@ -28,6 +28,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
 #include <initializer_list>
 #include <iosfwd>
 #include <optional>
@@ -82,8 +83,9 @@ struct ObjectPathSubscriptHashCache;
 /// Invariant: the product of the values is never 0, so no value is 0. The
 /// count (size()) is kept apart from the values because the values may hold
 /// more positions than were written; the count is what the text and vector
-/// forms show. Element-level equality, ordering and hashing, which compare the
-/// counts, live with ObjectPathElement.
+/// forms show. Equality and the hash are those of an element holding the
+/// subscript, and compare the counts; the ordering lives with
+/// ObjectPathElement (compare).
 /// Ownership: a handle to a shared, immutable record; copying shares it. A
 /// moved-from subscript holds no record: only destruction and assignment are
 /// allowed on it.
@@ -146,6 +148,13 @@ class ObjectPathSubscript {
     return rep_.shares_with(other.rep_);
   }
 
+  /// Equal counts and equal values (reading 1 past the stored positions): the
+  /// equality of elements holding the subscripts. Unlike equivalent(), //5 and
+  /// //5, 1 differ.
+  friend bool operator==(const ObjectPathSubscript& a, const ObjectPathSubscript& b) noexcept {
+    return a.shares_record_with(b) || (a.size() == b.size() && a.subscripts() == b.subscripts());
+  }
+
  private:
   friend struct detail::ObjectPathSubscriptAccess;
   friend struct detail::ObjectPathSubscriptHashCache;
@@ -159,9 +168,23 @@ class ObjectPathSubscript {
   krel::Cow<detail::ObjectPathSubscriptRep> rep_;
 };
 
+/// The hash of an element holding the subscript (see hash_value of
+/// ObjectPathElement), cached in the record like the element's; consistent
+/// with `==`. Also what boost::hash finds.
+[[nodiscard]] std::size_t hash_value(const ObjectPathSubscript& subscript) noexcept;
+
 /// Writes the text form in the local encoding.
 std::ostream& operator<<(std::ostream& os, const ObjectPathSubscript& subscript);
 
 }  // namespace ui::core
+
+/// Lets subscripts key unordered containers, with the hash of hash_value.
+template <>
+struct std::hash<ui::core::ObjectPathSubscript> {
+  /// ui::core::hash_value(subscript).
+  std::size_t operator()(const ui::core::ObjectPathSubscript& subscript) const noexcept {
+    return ui::core::hash_value(subscript);
+  }
+};
 
 #endif  // UI_CORE_OBJECT_PATH_SUBSCRIPT_H

@@ -10,7 +10,7 @@
 // starts (see krel/bundles.h for where bundle sets are looked up).
 //
 //   boost::shared_ptr<ui::core::Source> source =
-//       ui::core::create_source(krel::Location(u"plant.ssc", 12, 5));
+//       ui::core::create_source(krel::Location(u"plant.model", 12, 5));
 //   if (source) std::cout << *source << '\n';  // as the provider prints it
 //
 // A provider implements Source and one or more creator interfaces, and

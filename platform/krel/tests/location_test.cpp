@@ -7,14 +7,14 @@
 namespace {
 
 TEST(Location, TextFormIsFileLineColumn) {
-  krel::Location loc(u"model/plant.ssc", 12, 5);
-  EXPECT_EQ(loc.file(), u"model/plant.ssc");
+  krel::Location loc(u"model/plant.model", 12, 5);
+  EXPECT_EQ(loc.file(), u"model/plant.model");
   EXPECT_EQ(loc.line(), 12u);
   EXPECT_EQ(loc.column(), 5u);
-  EXPECT_EQ(krel::to_user_string(loc), u"model/plant.ssc:12:5");
+  EXPECT_EQ(krel::to_user_string(loc), u"model/plant.model:12:5");
   std::ostringstream os;
   os << loc;
-  EXPECT_EQ(os.str(), "model/plant.ssc:12:5");
+  EXPECT_EQ(os.str(), "model/plant.model:12:5");
 }
 
 TEST(Location, EqualityComparesAllFields) {

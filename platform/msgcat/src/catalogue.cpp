@@ -1,6 +1,7 @@
 #include "msgcat/catalogue.h"
 
 #include <algorithm>
+#include <clocale>
 #include <locale>
 #include <map>
 #include <memory>
@@ -146,7 +147,12 @@ std::string language_of(std::string_view locale_name) {
 }
 
 std::string global_locale_name() {
-  return std::locale().name();
+  // The C library's messages category: setlocale(LC_ALL, "") sets it, and so
+  // does std::locale::global with a named locale. It is also the locale the
+  // narrow text conversions follow (their character category), so a program
+  // that sets either gets messages and bytes from the same setting.
+  const char* name = std::setlocale(LC_MESSAGES, nullptr);
+  return name != nullptr ? std::string(name) : std::string("C");
 }
 
 std::optional<std::u16string> find_pattern(std::string_view catalogue_name, std::string_view key,

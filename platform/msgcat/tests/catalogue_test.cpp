@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <limits>
 #include <locale>
 #include <set>
@@ -79,6 +80,20 @@ TEST(Catalogue, GlobalLocaleSelectsTheLanguage) {
   const std::u16string german = msgcat::format(id);
   std::locale::global(old);
   EXPECT_EQ(german, u"unbekannt");
+}
+
+// The usual C idiom, setlocale without std::locale::global, selects the
+// language too, so messages agree with the narrow bytes the same setting gives.
+TEST(Catalogue, CLibraryLocaleSelectsTheLanguage) {
+  auto id = id_of("kalder:common:ui:core:kernel:units", "UnitConversionUnknown");
+  const std::string old = std::setlocale(LC_ALL, nullptr);
+  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no de_DE.UTF-8 locale";
+  const std::u16string german = msgcat::format(id);
+  const std::string name = msgcat::global_locale_name();
+  std::setlocale(LC_ALL, old.c_str());
+  EXPECT_EQ(german, u"unbekannt");
+  EXPECT_EQ(msgcat::language_of(name), "de");
+  EXPECT_EQ(msgcat::format(id), u"unknown");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "units2/core/conversion_value.h"
 
+#include <charconv>
 #include <cstdlib>
 
 #include "messages.h"
@@ -151,7 +152,12 @@ std::string to_decimal_string(const ConversionRational& value, int digits) {
 }
 
 double to_double(const ConversionRational& value) {
-  return std::strtod(to_decimal_string(value, 17).c_str(), nullptr);
+  // from_chars reads the "C" form whatever the process's locale is (strtod
+  // would stop at the '.' under a locale with a decimal comma).
+  const std::string text = to_decimal_string(value, 17);
+  double result = 0.0;
+  std::from_chars(text.data(), text.data() + text.size(), result);
+  return result;
 }
 
 }  // namespace units2::core

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <string>
+
 namespace {
 
 using units2::core::ConversionRational;
@@ -45,6 +48,15 @@ TEST(ToDecimalString, RoundsToTheGivenSignificantDigits) {
 
 TEST(ToDouble, ApproximatesTheValue) {
   EXPECT_DOUBLE_EQ(units2::core::to_double(ConversionRational(1, 3)), 1.0 / 3.0);
+}
+
+// A locale whose numbers use a decimal comma must not cut the value at '.'.
+TEST(ToDouble, IgnoresTheNumericLocale) {
+  const std::string old = std::setlocale(LC_NUMERIC, nullptr);
+  if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no de_DE.UTF-8 locale";
+  const double value = units2::core::to_double(ConversionRational(1, 4));
+  std::setlocale(LC_NUMERIC, old.c_str());
+  EXPECT_EQ(value, 0.25);
 }
 
 }  // namespace

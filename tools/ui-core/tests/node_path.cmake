@@ -28,8 +28,8 @@ ui_core_tool_test(node_path_processes_every_text_before_refusing EXIT 1
 ui_core_tool_test(node_path_relative_to_prefix
   EXPECT "  relative to 'a/b': 'c'\n.*  relative to 'a/b': ''\n.*  relative to 'a/b': not a prefix\n$"
   ARGS node-path --relative-to a/b a/b/c a/b a/x)
-ui_core_tool_test(node_path_invalid_base_is_refused EXIT 1
-  EXPECT "InvalidNodePath: '/bad'"
+ui_core_tool_test(node_path_invalid_base_is_bad_usage EXIT 2 OUT "^$"
+  ERR "InvalidNodePath: '/bad'"
   ARGS node-path --relative-to /bad a)
 ui_core_tool_test(node_path_german_message EXIT 1
   EXPECT "InvalidNodePath: 'a/' ist kein gültiger Knotenpfad\\."

@@ -266,3 +266,72 @@ if(UI_CORE_SCRIPT_PROGRAM AND UI_CORE_MKFIFO_PROGRAM)
                                                                              TIMEOUT 60)
   endforeach()
 endif()
+
+# --- Line output: a TAB, CR, LF or NUL never reaches the output raw, so each
+# output line has the input as its first TAB-separated field and the result
+# after it. The echoed input also writes a backslash as \\.
+ui_core_tool_test(streaming_line_escapes_controls_in_input_and_result
+  OUT "^tab\\\\there/x\tx\nnul\\\\0here/a\\\\rb\ta\\\\rb\nback\\\\\\\\slash/y\ty\ncrlf/z\tz\n$"
+  ERR "^$" ARGS block-name --file ${CMAKE_CURRENT_LIST_DIR}/data/line_controls.txt)
+string(ASCII 9 tab)
+file(WRITE ${stream_dir}/access_tab.txt "inter${tab}nal\n")
+ui_core_tool_test(streaming_line_escapes_controls_in_messages EXIT 1 ENV "LC_ALL=C"
+  OUT "^inter\\\\tnal\terror: kalder:common:ui:core:kernel:access:InvalidAccess: 'inter\\\\tnal' is not a valid access; use 'internal' or 'external'\\.\n$"
+  ARGS access --file ${stream_dir}/access_tab.txt)
+ui_core_tool_test(streaming_json_input_keeps_controls
+  JSON_RECORDS 4 JSON_CHECKS "0|input|tab${tab}here/x" "0|name|x" "2|input|back\\slash/y"
+  STDIN ${CMAKE_CURRENT_LIST_DIR}/data/line_controls.txt ARGS block-name --json)
+
+# --- JSON integers: numbers up to 2^53 - 1, strings of digits above (where a
+# double, as in jq and JavaScript, would round them).
+ui_core_tool_test(streaming_json_large_subscript_values_are_strings
+  JSON_RECORDS 2
+  JSON_CHECKS "0|values.0|type:STRING" "0|values.0|18446744073709551615"
+              "1|values.0|type:NUMBER" "1|values.0|9007199254740991"
+  ARGS subscript --json //18446744073709551615 //9007199254740991)
+ui_core_tool_test(streaming_json_large_index_and_size_are_strings
+  JSON_RECORDS 2
+  JSON_CHECKS "0|index|type:STRING" "0|index|18446744073709551614"
+              "0|size.0|type:STRING" "0|size.0|18446744073709551615"
+              "0|subscript.0|type:STRING" "0|subscript.0|18446744073709551615"
+              "1|index|type:NUMBER" "1|size.0|type:NUMBER"
+  ARGS ind2sub --json 18446744073709551614 18446744073709551615 7 3x4)
+ui_core_tool_test(streaming_json_index_past_2_53_is_a_string
+  JSON_RECORDS 1
+  JSON_CHECKS "0|index|type:STRING" "0|index|9007199254740992" "0|subscript.0|9007199254740993"
+  ARGS sub2ind --json 9007199254740993 9007199254740993)
+
+# --- A UTF-8 byte-order mark at the start of a file or of standard input is
+# not part of the first input.
+string(ASCII 239 bom_1)
+string(ASCII 187 bom_2)
+string(ASCII 191 bom_3)
+file(WRITE ${stream_dir}/paths_bom.txt "${bom_1}${bom_2}${bom_3}a/b\nc\n")
+ui_core_tool_test(streaming_byte_order_mark_of_a_file_is_skipped
+  OUT "^a/b\t2 identifiers: 'a' 'b'\nc\t1 identifier: 'c'\n$"
+  ARGS node-path --file ${stream_dir}/paths_bom.txt)
+ui_core_tool_test(streaming_byte_order_mark_of_standard_input_is_skipped
+  JSON_RECORDS 2 JSON_CHECKS "0|input|a/b" "0|ids.0|a"
+  STDIN ${stream_dir}/paths_bom.txt ARGS node-path --json)
+
+# --- The locale picks the language of the messages only: output stays UTF-8
+# and numbers keep their '.', whatever the environment or --locale says.
+ui_core_tool_test(streaming_locale_german_environment_keeps_decimal_points
+  OUT "base: 1 rpm = 1/30\\*pi \\(0\\.1047197551\\) rad/s\n"
+  ENV "LC_ALL=de_DE.UTF-8" ARGS unit rpm)
+ui_core_tool_test(streaming_locale_english_messages_and_numbers_agree EXIT 1
+  OUT "base: 1 rpm = 1/30\\*pi \\(0\\.1047197551\\) rad/s\n"
+  ERR "'furlong' names the unknown unit 'furlong'"
+  ENV "LC_ALL=de_DE.UTF-8" ARGS unit --locale en rpm furlong)
+ui_core_tool_test(streaming_locale_c_still_writes_utf8
+  OUT "^Größe\\.model:1:2\n$" ENV "LC_ALL=C" ARGS source --location Größe.model:1:2)
+ui_core_tool_test(streaming_locale_language_of_a_locale_the_system_lacks EXIT 1
+  ERR "'a/' ist kein gültiger Knotenpfad\\." ENV "LC_ALL=de_XX.UTF-8" ARGS node-path a/)
+
+# --- explain: a missing argument is named rather than shown as "{0}".
+file(WRITE ${stream_dir}/explain_missing.txt "kalder:common:ui:core:kernel:path:InvalidNodePath\n")
+ui_core_tool_test(streaming_explain_line_missing_an_argument_is_refused EXIT 1 ENV "LC_ALL=C"
+  JSON_RECORDS 1
+  JSON_CHECKS "0|error.catalogue|ui-core" "0|error.key|MissingArguments"
+              "0|error.arguments.1|1" "0|error.arguments.2|0"
+  ARGS explain --json --file ${stream_dir}/explain_missing.txt)

@@ -27,7 +27,9 @@ namespace msgcat {
 /// "LC_CTYPE=...;LC_MESSAGES=de_DE.UTF-8;..." is read at its LC_MESSAGES part.
 [[nodiscard]] std::string language_of(std::string_view locale_name);
 
-/// The name of the process's global C++ locale (std::locale().name()).
+/// The name of the C library's messages category (setlocale(LC_MESSAGES,
+/// nullptr)): set by setlocale(LC_ALL, "") and by std::locale::global with a
+/// named locale alike, and the same setting the narrow text conversions use.
 [[nodiscard]] std::string global_locale_name();
 
 /// The pattern stored for (catalogue, key) in exactly that language, if any.
