@@ -13,6 +13,8 @@
 # (booleans read ON/OFF, null reads as empty), or "#<n>" for an array or
 # object of n elements, or "type:<TYPE>" (NULL, NUMBER, STRING, BOOLEAN,
 # ARRAY, OBJECT).
+include(${CMAKE_CURRENT_LIST_DIR}/tool_result_checks.cmake)
+
 if(ARGS STREQUAL "")
   set(args "")
 else()
@@ -42,17 +44,12 @@ execute_process(COMMAND ${command} INPUT_FILE "${STDIN}"
                 RESULT_VARIABLE code OUTPUT_VARIABLE out ERROR_VARIABLE err)
 set(all "${out}${err}")
 set(report "--- standard output ---\n${out}--- standard error ---\n${err}")
-if(NOT code STREQUAL "${EXIT}")
-  message(FATAL_ERROR "exit code ${code}, expected ${EXIT}\n${report}")
-endif()
+ui_core_check_exit_and_error("${code}" "${EXIT}" "${err}" "${ERR}" "${report}")
 if(NOT EXPECT STREQUAL "" AND NOT all MATCHES "${EXPECT}")
   message(FATAL_ERROR "output does not match '${EXPECT}'\n${report}")
 endif()
 if(NOT OUT STREQUAL "" AND NOT out MATCHES "${OUT}")
   message(FATAL_ERROR "standard output does not match '${OUT}'\n${report}")
-endif()
-if(NOT ERR STREQUAL "" AND NOT err MATCHES "${ERR}")
-  message(FATAL_ERROR "standard error does not match '${ERR}'\n${report}")
 endif()
 
 if(NOT JSON_RECORDS STREQUAL "" OR NOT JSON_CHECKS STREQUAL "")

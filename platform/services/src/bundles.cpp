@@ -128,24 +128,34 @@ ServiceReferenceU BundleContext::GetServiceReference(std::string const& clazz) {
   return core->services.Get(clazz);
 }
 
-std::shared_ptr<void> BundleContext::GetService(ServiceReferenceBase const& reference) {
+namespace {
+
+// What both GetService overloads refuse: an empty reference, and a context
+// that is no longer valid.
+void CheckServiceAccess(BundleContextPrivate* context, ServiceReferenceBase const& reference) {
   if (!reference) ThrowInvalidReference();
-  if (!d) ThrowInvalidContext();
-  d->CheckValid();
-  ServiceRegistrationCoreInfo& info = *reference.d->coreInfo;
+  if (context == nullptr) ThrowInvalidContext();
+  context->CheckValid();
+}
+
+// The interface map of a registration, null once it has been unregistered.
+InterfaceMapConstPtr AvailableService(ServiceRegistrationCoreInfo& info) {
   std::lock_guard lock(info.mutex);
-  if (!info.available) return nullptr;
-  return ExtractInterface(info.service, reference.d->interfaceId);
+  return info.available ? info.service : nullptr;
+}
+
+}  // namespace
+
+std::shared_ptr<void> BundleContext::GetService(ServiceReferenceBase const& reference) {
+  CheckServiceAccess(d.get(), reference);
+  InterfaceMapConstPtr service = AvailableService(*reference.d->coreInfo);
+  if (!service) return nullptr;
+  return ExtractInterface(service, reference.d->interfaceId);
 }
 
 InterfaceMapConstPtr BundleContext::GetService(ServiceReferenceU const& reference) {
-  if (!reference) ThrowInvalidReference();
-  if (!d) ThrowInvalidContext();
-  d->CheckValid();
-  ServiceRegistrationCoreInfo& info = *reference.d->coreInfo;
-  std::lock_guard lock(info.mutex);
-  if (!info.available) return nullptr;
-  return info.service;
+  CheckServiceAccess(d.get(), reference);
+  return AvailableService(*reference.d->coreInfo);
 }
 
 std::vector<Bundle> BundleContext::InstallBundles(std::string const& location) {

@@ -7,6 +7,8 @@
 #   EXIT    the exit code the command must end with
 #   ERR     a regular expression standard error must match (optional)
 #   LINES   when set, $DIR/lines.txt is written first: that many lines "a/b"
+include(${CMAKE_CURRENT_LIST_DIR}/../../../../cmake/tool_result_checks.cmake)
+
 file(REMOVE_RECURSE "${DIR}")
 file(MAKE_DIRECTORY "${DIR}")
 if(LINES)
@@ -25,10 +27,5 @@ execute_process(COMMAND sh -c "${COMMAND}" INPUT_FILE /dev/null
                 RESULT_VARIABLE code OUTPUT_VARIABLE out ERROR_VARIABLE err)
 file(REMOVE_RECURSE "${DIR}")
 set(report "--- command ---\n${COMMAND}\n--- standard output ---\n${out}--- standard error ---\n${err}")
-if(NOT code STREQUAL "${EXIT}")
-  message(FATAL_ERROR "exit code ${code}, expected ${EXIT}\n${report}")
-endif()
-if(NOT ERR STREQUAL "" AND NOT err MATCHES "${ERR}")
-  message(FATAL_ERROR "standard error does not match '${ERR}'\n${report}")
-endif()
+ui_core_check_exit_and_error("${code}" "${EXIT}" "${err}" "${ERR}" "${report}")
 message(STATUS "ok\n${report}")
