@@ -51,7 +51,8 @@ ustring to_user_string(UnitConversionType type) {
       break;
   }
   // The unknown kind has no fixed text: users read it in their own language,
-  // so it is the catalogue's text for the global locale of this moment.
+  // so it is the catalogue's text for the C library's messages locale of this
+  // moment.
   const krel::Message message(detail::unit_conversion_unknown());
   ustring text;
   message.formattedMessage_(text);

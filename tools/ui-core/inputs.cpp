@@ -32,7 +32,7 @@ std::string& locale_slot() {
 // The process locale the tool runs under for a message locale: everything of
 // "C" (numbers with a '.', no grouping), but UTF-8 characters, and the
 // messages category of `name` when the system has that locale. The library
-// reads the messages category of the global locale for the texts it looks
+// reads the C library's messages category for the texts it looks
 // up itself, and the character set of the C library's locale for the bytes
 // it writes, so both then agree with the tool, which writes UTF-8 whatever
 // the environment says.

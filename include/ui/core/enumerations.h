@@ -56,8 +56,8 @@ void printAccess(std::ostream& os, const Access& access, const std::string& labe
 std::ostream& operator<<(std::ostream& os, const Access& access);
 
 /// "absolute" or "relative"; for `unknown`, the text of the message
-/// UnitConversionUnknown in the global locale ("unknown" in English). Looking
-/// that text up is for display only and throws nothing.
+/// UnitConversionUnknown in the C library's messages locale ("unknown" in
+/// English). Looking that text up is for display only and throws nothing.
 [[nodiscard]] ustring to_user_string(UnitConversionType type);
 
 /// The kind whose user text is exactly `text`, else `unknown`. Never throws

@@ -36,8 +36,9 @@ class Message {
 
   [[nodiscard]] const resource_core::BaseMsgID& id() const noexcept { return *id_; }
 
-  /// Writes the catalogue text for the id, in the process's global locale, with
-  /// the arguments filled in.
+  /// Writes the catalogue text for the id, in the language of the C library's
+  /// messages category (setlocale; std::locale::global with a named locale
+  /// sets it too), with the arguments filled in.
   void formattedMessage_(ustring& out) const;
 
   /// "catalogue:key".
@@ -50,7 +51,8 @@ class Message {
 /// Ownership: copies share the message and its text; copying never throws.
 class MessageException : public std::exception {
  public:
-  /// Formats the text once, in the global locale of the moment of the throw.
+  /// Formats the text once, in the C library's messages locale of the moment
+  /// of the throw.
   explicit MessageException(const Message& message);
 
   [[nodiscard]] const Message& message() const noexcept { return state_->message; }

@@ -42,7 +42,7 @@ namespace msgcat {
 [[nodiscard]] std::u16string format(const resource_core::BaseMsgID& id,
                                     std::string_view locale_name);
 
-/// The same, in the process's global locale.
+/// The same, in the language of global_locale_name().
 [[nodiscard]] std::u16string format(const resource_core::BaseMsgID& id);
 
 /// One entry of the built-in catalogue.
