@@ -6,7 +6,7 @@ set -eu
 
 packages="g++ cmake ninja-build pkg-config libboost1.81-dev libicu-dev googletest \
 libgmock-dev libgtest-dev libbenchmark-dev libcli11-dev locales nlohmann-json3-dev \
-libboost-filesystem1.81-dev libxml2-dev libpugixml-dev doxygen dpkg-dev file"
+libboost-filesystem1.81-dev libxml2-dev libpugixml-dev doxygen dpkg-dev file libudunits2-dev"
 if [ "${UI_CORE_DEPS_EXTRA:-}" != "" ]; then
   packages="$packages $UI_CORE_DEPS_EXTRA"
 fi

@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "ui/core/unit_conversion.h"
+#include "units2_test/test_units.h"
 
 namespace {
 
@@ -18,6 +19,7 @@ static_assert(
     std::is_same_v<decltype(&ps2dravik_nonaffine_unit_conversion), ustring (*)(const Expr&, bool)>);
 
 TEST(NonaffineUnitConversionConformance, EveryFallbackGivesTheCanonicalOwnText) {
+  const units2_test::ScopedContext units(units2_test::test_context());
   // Flag not set.
   EXPECT_EQ(ps2dravik_nonaffine_unit_conversion(Expr(u" ( degC ) "), false), u"degC");
   // Not a single unit.

@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <locale>
+#include <map>
 #include <stdexcept>
+#include <string>
 
 #include "units2/core/context.h"
+#include "units2_test/test_units.h"
 
 namespace {
 
@@ -57,19 +60,68 @@ TEST(NonaffineUnitConversion, UnitWithoutDeltaUnitKeepsItsText) {
   EXPECT_EQ(shown(u"deltadegC"), u"deltadegC");  // no deltadeltadegC
 }
 
+TEST(NonaffineUnitConversion, EveryUnitWithADeltaTwinKeepsItsDeltaText) {
+  // Every spelling of the built-in database (ids, prefixed forms, long names,
+  // aliases), shown without offsets: exactly the four temperature scales give
+  // their delta twin, whichever way they are spelled; everything else keeps
+  // its own canonical text.
+  const auto context = units2::core::Context::builtin();
+  std::map<std::string, std::string> changed;
+  const auto check = [&changed](const std::string& spelling) {
+    const Expr expr(krel::utf8_string_to_ustring(spelling));
+    ASSERT_TRUE(expr.isValid()) << spelling;
+    const ustring own = units2::core::to_raw_expr(expr.info().factors);
+    const ustring display = ps2dravik_nonaffine_unit_conversion(expr, true);
+    if (display != own) changed.emplace(spelling, krel::ustring_to_utf8_string(display));
+  };
+  for (const auto& [id, unit] : context->units()) check(id);
+  for (const auto& [name, id] : context->aliases()) check(name);
+  for (const std::string typed : {"\u00b0C", "\u2103", "\u00b0F", "\u2109", "\u00b0R"}) {
+    check(typed);
+  }
+  const std::map<std::string, std::string> expected = {
+      {"K", "deltaK"},
+      {"kelvin", "deltaK"},
+      {"degC", "deltadegC"},
+      {"celsius", "deltadegC"},
+      {"degree_Celsius", "deltadegC"},
+      {"\u00b0C", "deltadegC"},
+      {"\u2103", "deltadegC"},
+      {"degF", "deltadegF"},
+      {"fahrenheit", "deltadegF"},
+      {"degree_Fahrenheit", "deltadegF"},
+      {"\u00b0F", "deltadegF"},
+      {"\u2109", "deltadegF"},
+      {"degR", "deltadegR"},
+      {"rankine", "deltadegR"},
+      {"degree_Rankine", "deltadegR"},
+      {"\u00b0R", "deltadegR"},
+  };
+  EXPECT_EQ(changed, expected);
+}
+
 TEST(NonaffineUnitConversion, DeltaUnitWithAnotherScaleIsNotUsed) {
+  const units2_test::ScopedContext units(units2_test::test_context());
   // deltatstU exists and measures temperature, but is twice tstU's scale.
   EXPECT_EQ(shown(u"tstU"), u"tstU");
 }
 
 TEST(NonaffineUnitConversion, DeltaUnitOfAnotherQuantityIsNotUsed) {
+  const units2_test::ScopedContext units(units2_test::test_context());
   // deltatstV exists but is a length.
   EXPECT_EQ(shown(u"tstV"), u"tstV");
 }
 
 TEST(NonaffineUnitConversion, DeltaUnitWithAnOffsetOfItsOwnIsNotUsed) {
+  const units2_test::ScopedContext units(units2_test::test_context());
   // deltatstW has scale 1 like tstW, so only its own offset rules it out.
   EXPECT_EQ(shown(u"tstW"), u"tstW");
+}
+
+TEST(NonaffineUnitConversion, TestUnitsAreNotInTheShippedDatabase) {
+  for (const ustring text : {u"tstU", u"deltatstU", u"tstV", u"tstW"}) {
+    EXPECT_EQ(shown(text), invalid_text()) << krel::ustring_to_utf8_string(text);
+  }
 }
 
 TEST(NonaffineUnitConversion, InvalidExpressionGivesTheInvalidMessageText) {

@@ -1,8 +1,11 @@
-// ui-core unit: what the units library makes of unit expressions.
+// ui-core unit: what the units library makes of unit expressions, and the
+// unit database itself.
 //
 //   ui-core unit degF --to degC
 //   ui-core unit --json --to Pa psi bar
+//   ui-core unit --list
 
+#include <algorithm>
 #include <iomanip>
 #include <memory>
 #include <optional>
@@ -11,6 +14,7 @@
 #include <vector>
 
 #include "command.h"
+#include "line_io.h"
 #include "ui/core/unit_conversion.h"
 #include "units2/core/context.h"
 #include "units2/core/conversion.h"
@@ -134,26 +138,124 @@ void write_report(const UnitReport& r, Record& out) {
   }
 }
 
+// "all", "none" or the symbols ("M G"): the prefixes a unit takes.
+std::string prefixes_text(const units::Context& context, const units::Unit& unit) {
+  if (unit.prefix_symbols.empty()) return "none";
+  if (unit.prefix_symbols.size() == context.prefixes().size()) return "all";
+  std::string out;
+  for (const std::string& symbol : unit.prefix_symbols) {
+    if (!out.empty()) out += ' ';
+    out += symbol;
+  }
+  return out;
+}
+
+std::string joined(const std::vector<std::string>& items) {
+  std::string out;
+  for (const std::string& item : items) {
+    if (!out.empty()) out += ", ";
+    out += item;
+  }
+  return out;
+}
+
+// `ui-core unit --list`: one record per unit the database declares, in its
+// order, then one per ambiguous spelling, in byte order. The text form is the
+// tool's line format, "<id><TAB><field>...", so that grep and cut work on it;
+// --json writes one object per record.
+void write_list(bool json) {
+  const std::shared_ptr<const units::Context> context = units::get_service()->context();
+  Output& out = standard_output();
+  for (const units::UnitId& id : context->declared_units()) {
+    const units::Unit& unit = *context->find(id.view());
+    const std::string base = units::to_raw_expr(unit.dimension).text();
+    if (json) {
+      nlohmann::ordered_json record = nlohmann::ordered_json::object();
+      record["id"] = id.str();
+      record["kind"] = "unit";
+      record["names"] = unit.names;
+      record["base"] = base;
+      record["scale"] = exact(unit.scale);
+      if (unit.affine()) record["zero"] = to_string(unit.offset);
+      record["prefixes"] = unit.prefix_symbols;
+      record["definition"] = unit.definition;
+      out.text() += record.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+    } else {
+      out.text() += id.view();
+      add_field(out.text(), unit.names.empty() ? "names:" : "names: " + joined(unit.names));
+      add_field(out.text(),
+                "base: 1 " + id.str() + " = " + exact_and_decimal(unit.scale) + " " + base);
+      if (unit.affine())
+        add_field(out.text(), "zero: " + exact_and_decimal(unit.offset) + " " + base);
+      add_field(out.text(), "prefixes: " + prefixes_text(*context, unit));
+      add_field(out.text(), "definition: " + unit.definition);
+    }
+    out.text() += '\n';
+    out.commit();
+  }
+  std::vector<std::string> ambiguous;
+  for (const auto& entry : context->ambiguous()) ambiguous.push_back(entry.first);
+  std::sort(ambiguous.begin(), ambiguous.end());
+  for (const std::string& spelling : ambiguous) {
+    std::vector<std::string> readings;
+    for (const units::UnitId& id : *context->ambiguity(spelling)) readings.push_back(id.str());
+    if (json) {
+      nlohmann::ordered_json record = nlohmann::ordered_json::object();
+      record["id"] = spelling;
+      record["kind"] = "ambiguous";
+      record["readings"] = readings;
+      out.text() += record.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+    } else {
+      out.text() += spelling;
+      add_field(out.text(), "ambiguous: " + joined(readings));
+    }
+    out.text() += '\n';
+    out.commit();
+  }
+}
+
 void setup_unit(CLI::App& app, CommandState& state) {
   struct Options {
     std::string to;
     bool nonaffine = false;
+    bool list = false;
   };
   auto opts = state.fresh<Options>();
   CLI::App* cmd = app.add_subcommand(
       "unit",
       "Show unit expressions' canonical text, their conversion to another and their non-affine "
-      "text");
-  auto io = add_inputs(cmd, state,
-                       {"expressions", "Unit expressions, e.g. kg*m^2/s^2, degF, km/h",
-                        "  ui-core unit degF --to degC\n"
-                        "  ui-core unit degC --nonaffine\n"
-                        "  ui-core unit --to Pa psi bar mmHg\n"
-                        "  ui-core unit --json --file units.txt\n"});
-  cmd->add_option("--to", opts->to, "Print the exact conversion to this unit expression");
-  cmd->add_flag("--nonaffine", opts->nonaffine,
-                "Convert without offsets (linear) and show the non-affine (delta) unit text");
+      "text, or list the unit database");
+  auto io = add_inputs(
+      cmd, state,
+      {"expressions",
+       "Unit expressions, e.g. kg*m^2/s^2, 'kg m/s\u00b2', N\u00b7m, \u00b5m, \u00b0C, km/h, "
+       "kilometre/hour. A spelling with more than one reading in common use (gal, oz, cal, "
+       "ton, yr) is refused with the spellings to write instead",
+       "  ui-core unit degF --to degC\n"
+       "  ui-core unit degC --nonaffine\n"
+       "  ui-core unit --to Pa psi bar mmHg\n"
+       "  ui-core unit 'kg m/s\u00b2' --to N\n"
+       "  ui-core unit --json --file expressions.txt\n"
+       "  ui-core unit --list\n"});
+  CLI::Option* to_option =
+      cmd->add_option("--to", opts->to, "Print the exact conversion to this unit expression");
+  CLI::Option* nonaffine_option =
+      cmd->add_flag("--nonaffine", opts->nonaffine,
+                    "Convert without offsets (linear) and show the non-affine (delta) unit text");
+  cmd->add_flag("--list", opts->list,
+                "List the unit database: each unit's id, long names and aliases, size in base "
+                "units, zero, prefixes and definition, then the ambiguous spellings (with --json "
+                "one object each)")
+      ->excludes(to_option)
+      ->excludes(nonaffine_option);
   cmd->callback([opts, io, &state] {
+    if (opts->list) {
+      if (!io->args.empty() || !io->file.empty()) {
+        throw CLI::ValidationError("--list", "lists the whole database and takes no expressions");
+      }
+      write_list(io->json);
+      return;
+    }
     // The target is read once; an invalid one is bad usage, reported before
     // any input is looked at.
     std::optional<units::Expr> to;

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "krel/cow.h"
 #include "messages.h"
@@ -46,10 +47,18 @@ struct ParseFailure {
   std::size_t position;
 };
 
+/// What parsing gives: the factors as written (spellings, not yet ids), and
+/// the spellings that were written with a micro sign (\u00b5m is "um").
+struct Parsed {
+  Factors factors;
+  std::vector<UnitId> micro;
+};
+
 /// Parses expression text (grammar in expr.h). Throws NonFiniteExponent when
-/// an exponent overflows.
-[[nodiscard]] std::variant<Factors, ParseFailure> parse_factors(std::u16string_view text);
-[[nodiscard]] std::variant<Factors, ParseFailure> parse_factors(std::string_view text);
+/// an exponent overflows. The UTF-16 form reads the Unicode synonyms of the
+/// grammar; the narrow form (the database's definitions) reads ASCII only.
+[[nodiscard]] std::variant<Parsed, ParseFailure> parse_factors(std::u16string_view text);
+[[nodiscard]] std::variant<Parsed, ParseFailure> parse_factors(std::string_view text);
 
 /// How a resolver finds units: the unit named id, or nullptr.
 using UnitLookup = std::function<const Unit*(std::string_view id)>;

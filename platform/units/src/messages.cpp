@@ -46,6 +46,15 @@ MsgId unknown_unit(const krel::ustring& text, std::string_view unit) {
   return id;
 }
 
+MsgId ambiguous_unit(const krel::ustring& text, std::string_view spelling,
+                     std::string_view readings) {
+  MsgId id = make("AmbiguousUnit");
+  id.arguments.emplace_back(text);
+  id.arguments.emplace_back(widen(spelling));
+  id.arguments.emplace_back(widen(readings));
+  return id;
+}
+
 MsgId offset_unit_not_alone(const krel::ustring& text, std::string_view unit) {
   MsgId id = make("OffsetUnitNotAlone");
   id.arguments.emplace_back(text);

@@ -27,6 +27,8 @@ inline constexpr std::string_view catalogue = "units2:core";
 [[nodiscard]] MsgId invalid_expression();
 [[nodiscard]] MsgId syntax_error(const krel::ustring& text, std::uint64_t position);
 [[nodiscard]] MsgId unknown_unit(const krel::ustring& text, std::string_view id);
+[[nodiscard]] MsgId ambiguous_unit(const krel::ustring& text, std::string_view spelling,
+                                   std::string_view readings);
 [[nodiscard]] MsgId offset_unit_not_alone(const krel::ustring& text, std::string_view id);
 [[nodiscard]] MsgId not_commensurate(const krel::ustring& from, const krel::ustring& to);
 [[nodiscard]] MsgId inexact_conversion(const krel::ustring& from, const krel::ustring& to,

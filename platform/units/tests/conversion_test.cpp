@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 #include "expect_message.h"
+#include "units2_test/test_units.h"
 
 namespace {
 
@@ -27,6 +31,10 @@ ConversionRational factor(const ustring& from, const ustring& to) {
 }
 ConversionRational r(long long n, long long d = 1) {
   return ConversionRational(n, d);
+}
+// An exact decimal ("133.322387415").
+ConversionRational dec(const char* text) {
+  return units2::core::parse_exact_number(text).value();
 }
 
 TEST(Conversion, ImperialLengthsAreExact) {
@@ -89,6 +97,7 @@ TEST(Conversion, TemperaturePointsUseOffsets) {
 }
 
 TEST(Conversion, LinearModeIgnoresOffsets) {
+  const units2_test::ScopedContext units(units2_test::test_context());
   EXPECT_EQ(factor(u"deltadegF", u"deltaK"), r(5, 9));
   EXPECT_EQ(factor(u"degF", u"degC"), r(5, 9));
   EXPECT_EQ(factor(u"deltadegC", u"degC"), r(1));
@@ -128,6 +137,7 @@ TEST(Conversion, RationalPowersConvertWhenTheRootIsExact) {
 }
 
 TEST(Conversion, RefusesExpressionsOfDifferentQuantities) {
+  const units2_test::ScopedContext units(units2_test::test_context());
   EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"m", u"s"); }, "units2:core",
                                            "NotCommensurate", {ustring(u"m"), ustring(u"s")}));
   EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"deltatstV", u"tstV"); },
@@ -135,10 +145,91 @@ TEST(Conversion, RefusesExpressionsOfDifferentQuantities) {
                                            {ustring(u"deltatstV"), ustring(u"tstV")}));
 }
 
+// Each unit against the definition its data line cites, written out here from
+// that definition (not from the data), so that a wrong factor in the data fails.
+TEST(Conversion, EachUnitMatchesItsDocumentedDefinition) {
+  const ConversionRational pound = dec("0.45359237");  // 1959
+  const ConversionRational g0 = dec("9.80665");        // 3rd CGPM
+  const ConversionRational inch = dec("0.0254");       // 1959
+  const ConversionRational foot = 12 * inch;
+  const ConversionRational gal_us = 231 * inch * inch * inch;  // HB 44
+  const ConversionRational gal_uk = dec("0.00454609");         // UK 1985, in m^3
+  const std::vector<std::pair<std::pair<const char16_t*, const char16_t*>, ConversionRational>>
+      cases = {
+          {{u"lb", u"kg"}, pound},
+          {{u"pound", u"kg"}, pound},
+          {{u"ozm", u"kg"}, pound / 16},
+          {{u"gr", u"kg"}, pound / 7000},
+          {{u"short_ton", u"kg"}, 2000 * pound},
+          {{u"long_ton", u"kg"}, 2240 * pound},
+          {{u"tonne", u"kg"}, r(1000)},
+          {{u"Mt", u"kg"}, r(1000000000)},
+          {{u"ct", u"mg"}, r(200)},
+          {{u"u", u"kg"}, dec("1.66053906660e-27")},
+          {{u"kDa", u"u"}, r(1000)},
+          {{u"angstrom", u"nm"}, r(1, 10)},
+          {{u"micron", u"m"}, r(1, 1000000)},
+          {{u"acre", u"m^2"}, 43560 * foot * foot},
+          {{u"cc", u"mL"}, r(1)},
+          {{u"gal_US", u"m^3"}, gal_us},
+          {{u"qt_US", u"m^3"}, gal_us / 4},
+          {{u"pt_US", u"m^3"}, gal_us / 8},
+          {{u"floz_US", u"m^3"}, gal_us / 128},
+          {{u"gal_UK", u"m^3"}, gal_uk},
+          {{u"qt_UK", u"m^3"}, gal_uk / 4},
+          {{u"pt_UK", u"m^3"}, gal_uk / 8},
+          {{u"floz_UK", u"m^3"}, gal_uk / 160},
+          {{u"week", u"s"}, r(604800)},
+          {{u"common_year", u"s"}, r(31536000)},
+          {{u"julian_year", u"s"}, r(31557600)},
+          {{u"Ci", u"Bq"}, r(37000000000)},
+          {{u"mCi", u"MBq"}, r(37)},
+          {{u"rps", u"rpm"}, r(60)},
+          {{u"knot", u"m/s"}, r(1852, 3600)},
+          {{u"kt", u"km/h"}, dec("1.852")},
+          {{u"g0", u"m/s^2"}, g0},
+          {{u"gn", u"m/s^2"}, g0},
+          {{u"dyn", u"N"}, dec("1e-5")},
+          {{u"lbf", u"lbm*g0"}, r(1)},
+          {{u"kgf", u"kg*g0"}, r(1)},
+          {{u"kip", u"N"}, 1000 * pound * g0},
+          {{u"ozf", u"N"}, pound * g0 / 16},
+          {{u"ksi", u"Pa"}, 1000 * pound * g0 / (inch * inch)},
+          {{u"at", u"Pa"}, 10000 * g0},
+          {{u"torr", u"Pa"}, r(101325, 760)},
+          {{u"Torr", u"mmHg"}, r(101325, 760) / dec("133.322387415")},
+          {{u"mmHg", u"Pa"}, dec("133.322387415")},
+          {{u"inHg", u"Pa"}, dec("13595.1") * inch * g0},
+          {{u"mmH2O", u"Pa"}, g0},
+          {{u"cmH2O", u"Pa"}, 10 * g0},
+          {{u"inH2O", u"Pa"}, 1000 * inch * g0},
+          {{u"ftH2O", u"Pa"}, 1000 * foot * g0},
+          {{u"St", u"m^2/s"}, dec("1e-4")},
+          {{u"cSt", u"mm^2/s"}, r(1)},
+          {{u"erg", u"J"}, dec("1e-7")},
+          {{u"cal_th", u"J"}, dec("4.184")},
+          {{u"cal_IT", u"J"}, dec("4.1868")},
+          {{u"kcal_th", u"J"}, r(4184)},
+          {{u"kcal_IT", u"J"}, dec("4186.8")},
+          {{u"BTU", u"J"}, dec("1055.05585262")},
+          {{u"therm_US", u"J"}, r(105480400)},
+          {{u"therm_EC", u"J"}, r(105506000)},
+          {{u"VA", u"W"}, r(1)},
+          {{u"kVA", u"V*A"}, r(1000)},
+      };
+  for (const auto& [units, expected] : cases) {
+    EXPECT_EQ(factor(units.first, units.second), expected)
+        << krel::ustring_to_utf8_string(units.first) << " in "
+        << krel::ustring_to_utf8_string(units.second);
+  }
+}
+
 TEST(Conversion, RefusesInvalidExpressions) {
   EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"m^", u"m"); }, "units2:core",
                                            "InvalidExpression", {}));
   EXPECT_TRUE(test_support::throws_message([] { (void)affine(u"m", u"furlong"); }, "units2:core",
+                                           "InvalidExpression", {}));
+  EXPECT_TRUE(test_support::throws_message([] { (void)linear(u"gal", u"L"); }, "units2:core",
                                            "InvalidExpression", {}));
 }
 

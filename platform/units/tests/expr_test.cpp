@@ -8,6 +8,7 @@
 
 #include "expect_message.h"
 #include "units2/core/context.h"
+#include "units2_test/test_units.h"
 
 namespace {
 
@@ -74,10 +75,10 @@ TEST(Expr, BadTextIsInvalidAndSaysWhere) {
   expect_syntax_error(u"", 1);
   expect_syntax_error(u"   ", 4);
   expect_syntax_error(u"m^", 3);
-  expect_syntax_error(u"kg**m", 4);
+  expect_syntax_error(u"kg^*m", 4);
   expect_syntax_error(u"(m", 3);
   expect_syntax_error(u"m)", 2);
-  expect_syntax_error(u"kg m", 4);
+  expect_syntax_error(u"kg m2 3", 7);
   expect_syntax_error(u"m^2^3", 4);
   expect_syntax_error(u"m^(1/0)", 6);
   expect_syntax_error(u"m^(1/-2)", 6);
@@ -85,11 +86,173 @@ TEST(Expr, BadTextIsInvalidAndSaysWhere) {
   expect_syntax_error(u"12", 2);
   expect_syntax_error(u"1m", 2);
   expect_syntax_error(u"m^1234567890123456789", 21);
-  expect_syntax_error(u"m\u00b2", 2);
-  expect_syntax_error(u"\u00b5m", 1);
   expect_syntax_error(u"m*", 3);
   expect_syntax_error(u"/s", 1);
   expect_syntax_error(u"m^x", 3);
+}
+
+TEST(Expr, ReadsTextAsPeopleTypeIt) {
+  const std::vector<std::pair<ustring, std::string>> cases = {
+      // "**" is "^".
+      {u"m**2", "m^2"},
+      {u"s**-1", "1/s"},
+      {u"m ** (1/2)", "m^(1/2)"},
+      {u"(m/s)**2", "m^2/s^2"},
+      // A blank, a middle dot or a dot operator between two factors is "*",
+      // with the precedence of "*" and "/": from the left.
+      {u"kg m/s^2", "kg*m/s^2"},
+      {u"N m", "N*m"},
+      {u"N\u00b7m", "N*m"},
+      {u"N \u00b7 m", "N*m"},
+      {u"N\u22c5m", "N*m"},
+      {u"kg\tm", "kg*m"},
+      {u"N\u00a0m", "N*m"},
+      {u"N\u202fm", "N*m"},
+      {u"N\u2009m", "N*m"},
+      {u"J/kg K", "J*K/kg"},
+      {u"W/(m K)", "W/(K*m)"},
+      {u"m (s)", "m*s"},
+      {u"1 m", "m"},
+      {u"m 1", "m"},
+      {u"  kg   m  ", "kg*m"},
+      // Superscript digits and minus are a power.
+      {u"m\u00b2", "m^2"},
+      {u"m\u00b3", "m^3"},
+      {u"s\u207b\u00b9", "1/s"},
+      {u"m\u00b9\u2070", "m^10"},
+      {u"m\u2074\u2075\u2076\u2077\u2078\u2079\u2070", "m^4567890"},
+      {u"kg\u00b7m\u00b2\u00b7s\u207b\u00b2", "kg*m^2/s^2"},
+      {u"kg m/s\u00b2", "kg*m/s^2"},
+      {u"(m/s)\u00b2", "m^2/s^2"},
+      {u"m \u00b2", "m^2"},
+      // The micro sign and the Greek mu are the micro prefix.
+      {u"\u00b5m", "um"},
+      {u"\u03bcm", "um"},
+      {u"\u00b5s\u207b\u00b9", "1/us"},
+      // Both omegas are the ohm, with or without a prefix.
+      {u"\u03a9", "Ohm"},
+      {u"\u2126", "Ohm"},
+      {u"k\u03a9", "kOhm"},
+      {u"M\u2126", "MOhm"},
+      {u"\u00b5\u03a9", "uOhm"},
+      {u"\u03a9\u00b7m", "Ohm*m"},
+      // Degree signs for the temperature scales.
+      {u"\u00b0C", "degC"},
+      {u"\u00b0F", "degF"},
+      {u"\u00b0R", "degR"},
+      {u"\u2103", "degC"},
+      {u"\u2109", "degF"},
+      {u"W/(m\u00b7K)", "W/(K*m)"},
+  };
+  for (const auto& [text, expected] : cases) {
+    EXPECT_EQ(canonical(text), expected) << krel::ustring_to_utf8_string(text);
+  }
+  EXPECT_TRUE(Expr(u"\u00b0C").info().affine);
+  EXPECT_TRUE(Expr(u"\u2109").info().affine);
+}
+
+TEST(Expr, RefusesWhatTheSynonymsCannotReadAndSaysWhere) {
+  // Positions count UTF-16 code units from 1. Every character the grammar
+  // accepts is one code unit, so the position is also the number of the
+  // offending character.
+  expect_syntax_error(u"kg**m", 5);
+  expect_syntax_error(u"m***2", 4);
+  expect_syntax_error(u"m**", 4);
+  expect_syntax_error(u"m\u00b2^3", 3);
+  expect_syntax_error(u"m^2\u00b2", 4);
+  expect_syntax_error(u"m\u00b2\u00b3 \u00b2", 5);
+  expect_syntax_error(u"m\u207b", 3);
+  expect_syntax_error(u"m\u207b-1", 3);
+  expect_syntax_error(u"\u00b2", 1);
+  expect_syntax_error(u"m" + ustring(19, u'\u00b2'), 20);
+  expect_syntax_error(u"\u00b5", 2);
+  expect_syntax_error(u"\u00b51", 2);
+  expect_syntax_error(u"\u00b5 m", 2);
+  expect_syntax_error(u"1\u00b5m", 2);
+  expect_syntax_error(u"\u03a9m", 2);
+  expect_syntax_error(u"k\u03a9m", 3);
+  expect_syntax_error(u"\u03a9\u03a9", 2);
+  expect_syntax_error(u"\u00b0", 2);
+  expect_syntax_error(u"\u00b0K", 2);
+  expect_syntax_error(u"\u00b0 C", 2);  // not a degree times a coulomb
+  expect_syntax_error(u"\u00b0Cm", 3);
+  expect_syntax_error(u"\u2103x", 2);
+  expect_syntax_error(u"\u00b7m", 1);
+  expect_syntax_error(u"m \u00b7", 4);
+  expect_syntax_error(u"m\u00b7\u00b7s", 3);
+  expect_syntax_error(u"m  2", 4);
+  expect_syntax_error(u"m\u00d7s", 2);
+  // A character outside the BMP stops the parser at its first code unit.
+  expect_syntax_error(u"m/\U0001F600", 3);
+  expect_syntax_error(u"\U0001F600m", 1);
+}
+
+TEST(Expr, MicroSignOnlyPrefixesAUnitSymbol) {
+  // The micro sign is the prefix u in front of a unit symbol, never the start
+  // of another spelling that happens to begin with a u.
+  for (const ustring text : {u"\u00b5nified_atomic_mass_unit", u"\u00b5meter", u"\u00b5in"}) {
+    const Expr e(text);
+    EXPECT_FALSE(e.isValid()) << krel::ustring_to_utf8_string(text);
+    ASSERT_TRUE(e.problem().has_value());
+    EXPECT_EQ(e.problem()->id().key, "UnknownUnit");
+    EXPECT_EQ(e.problem()->id().arguments, (std::vector<test_support::Argument>{text, text}));
+  }
+  // u alone is the unified atomic mass unit; u before a symbol is micro.
+  EXPECT_EQ(canonical(u"u"), "u");
+  EXPECT_EQ(canonical(u"um"), "um");
+  EXPECT_EQ(canonical(u"\u00b5m*um"), "um^2");
+}
+
+TEST(Expr, LongNamesAndAliasesPrintAsTheUnitId) {
+  EXPECT_EQ(canonical(u"meter"), "m");
+  EXPECT_EQ(canonical(u"metre"), "m");
+  EXPECT_EQ(canonical(u"kilometre/hour"), "km/h");
+  EXPECT_EQ(canonical(u"newton meter"), "N*m");
+  EXPECT_EQ(canonical(u"meter*m"), "m^2");
+  EXPECT_EQ(canonical(u"meter/m"), "1");
+  EXPECT_EQ(canonical(u"kt"), "kn");
+  EXPECT_EQ(canonical(u"lb"), "lbm");
+  EXPECT_EQ(canonical(u"micron"), "um");
+  EXPECT_EQ(canonical(u"kilogram"), "kg");
+  EXPECT_EQ(canonical(u"celsius"), "degC");
+  EXPECT_TRUE(Expr(u"celsius").info().affine);
+  EXPECT_EQ(Expr(u"celsius").info().factors.singleton(), UnitId("degC"));
+  // The offset rule holds whatever the spelling.
+  EXPECT_EQ(Expr(u"celsius*m").problem()->id().key, "OffsetUnitNotAlone");
+  // Built from factors, a long name is read the same way.
+  const Expr from_factors(ContextGetter(), Factors(UnitId("meter"), Exponent(2)));
+  ASSERT_TRUE(from_factors.isValid());
+  EXPECT_EQ(to_raw_expr(from_factors.info().factors).text(), "m^2");
+}
+
+TEST(Expr, AmbiguousSpellingIsInvalidAndListsWhatToWrite) {
+  const Expr e(u"m^3/gal");
+  EXPECT_FALSE(e.isValid());
+  EXPECT_TRUE(e.info().factors.empty());
+  ASSERT_TRUE(e.problem().has_value());
+  EXPECT_EQ(e.problem()->id().catalogue, "units2:core");
+  EXPECT_EQ(e.problem()->id().key, "AmbiguousUnit");
+  EXPECT_EQ(e.problem()->id().arguments, (std::vector<test_support::Argument>{
+                                             ustring(u"m^3/gal"), ustring(u"gal"),
+                                             ustring(u"gal_US = 231 in^3, gal_UK = 4.54609 L")}));
+  // Readings that are prefixed forms show the number they stand for.
+  EXPECT_EQ(Expr(u"kcal").problem()->id().arguments.at(2),
+            test_support::Argument(ustring(u"kcal_th = 1000 cal_th, kcal_IT = 1000 cal_IT")));
+  EXPECT_EQ(Expr(u"cal").problem()->id().arguments.at(2),
+            test_support::Argument(ustring(u"cal_th = 4.184 J, cal_IT = 4.1868 J")));
+  for (const ustring text : {u"oz", u"ounce", u"floz", u"fl_oz", u"pt", u"pint", u"qt", u"ton",
+                             u"therm", u"yr", u"year", u"calorie", u"kilocalorie", u"gallon"}) {
+    const Expr a(text);
+    EXPECT_FALSE(a.isValid()) << krel::ustring_to_utf8_string(text);
+    EXPECT_EQ(a.problem()->id().key, "AmbiguousUnit") << krel::ustring_to_utf8_string(text);
+  }
+  const Expr from_factors(ContextGetter(), Factors(UnitId("gal"), Exponent(1)));
+  EXPECT_EQ(from_factors.problem()->id().key, "AmbiguousUnit");
+  // Each reading is valid on its own.
+  for (const ustring text : {u"gal_US", u"gal_UK", u"ozm", u"floz_US", u"cal_th", u"kcal_IT",
+                             u"short_ton", u"long_ton", u"julian_year", u"therm_EC"}) {
+    EXPECT_TRUE(Expr(text).isValid()) << krel::ustring_to_utf8_string(text);
+  }
 }
 
 TEST(Expr, DeepNestingIsInvalidNotACrash) {
@@ -146,6 +309,7 @@ TEST(Expr, OffsetUnitsStandOnlyAlone) {
 }
 
 TEST(Expr, AffineOnlyForASingleUnitWithAnOffset) {
+  const units2_test::ScopedContext units(units2_test::test_context());
   EXPECT_TRUE(Expr(u"degC").info().affine);
   EXPECT_TRUE(Expr(u"degF").info().affine);
   EXPECT_TRUE(Expr(u"tstU").info().affine);
@@ -205,6 +369,7 @@ TEST(Expr, CopiesShareTheRecordAcrossThreads) {
 }
 
 TEST(Commensurate, ComparesWhatExpressionsMeasure) {
+  const units2_test::ScopedContext units(units2_test::test_context());
   EXPECT_TRUE(commensurate(Expr(u"N*m"), Expr(u"J")));
   EXPECT_TRUE(commensurate(Expr(u"psi"), Expr(u"Pa")));
   EXPECT_TRUE(commensurate(Expr(u"degC"), Expr(u"K")));

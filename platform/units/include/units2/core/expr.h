@@ -5,19 +5,50 @@
 // context does not know, or breaks the offset rule below gives an expression
 // whose isValid() is false; constructing an Expr never throws for bad input.
 //
-// Grammar (blanks and tabs may separate tokens):
+// Grammar (blanks may separate tokens; a blank is a space, a tab, or in UTF-16
+// text U+00A0, U+2009 or U+202F):
 //
-//   expr     := term { ("*" | "/") term }       products and quotients, from the left
-//   term     := primary [ "^" exponent ]
-//   primary  := unit-id | "1" | "(" expr ")"
+//   expr     := term { product term }           products and quotients, from the left
+//   product  := "*" | "/" | "\u00b7" | "\u22c5" | blanks before a primary
+//   term     := primary [ power ]
+//   power    := ("^" | "**") exponent | superscript
+//   primary  := unit | "1" | "(" expr ")"
 //   exponent := integer | "(" integer [ "/" digits ] ")"
 //   integer  := [ "+" | "-" ] digits            at most 18 digits
-//   unit-id  := (letter | "_") { letter | digit | "_" }    ASCII only
+//   superscript := [ "\u207b" ] superscript-digit { superscript-digit }    m\u00b2, s\u207b\u00b9
+//   unit     := (letter | "_") { letter | digit | "_" }    ASCII
 //
-// Operators are read from the left, so "J/kg/K" is J/(kg*K) and "m/s*kg" is
-// m*kg/s. A unit is raised to at most one written power: "m^2^3" is refused,
-// "(m^2)^3" is m^6. The exponent's denominator may not be 0, and parentheses
-// nest at most 200 deep.
+// In UTF-16 text a unit may also be written with these characters, which are
+// read as the ASCII spelling shown (the canonical text stays ASCII):
+//   - a micro sign, U+00B5 or U+03BC, in front of a unit symbol: "u" (\u00b5m is
+//     um). A letter or an ohm sign must follow, and the result must be the
+//     micro form of a unit, never a long name that happens to start with "u";
+//   - an ohm sign, U+03A9 or U+2126, at the end of a unit: "Ohm" (k\u03a9 is kOhm);
+//   - U+00B0 followed by C, F or R, and U+2103, U+2109: degC, degF, degR. A
+//     degree sign alone is refused: an angle is written deg, and "\u00b0 C" is
+//     never a degree times a coulomb.
+// Nothing that is part of a word may follow an ohm or degree spelling
+// ("\u03a9m" is refused, not read as "Ohmm"). The ASCII grammar, which the
+// database's definitions use, has none of these.
+//
+// A unit is written by its id (m, kg, degC), a long name (metre, kilometre,
+// celsius) or an alias (kt, lb); the expression holds the id, so "meter" and
+// "m" give the same factors and the same text. A spelling the database marks
+// ambiguous (gal, cal, ton, ...) gives an invalid expression whose problem is
+// units2:core:AmbiguousUnit, listing what to write instead.
+//
+// Operators are read from the left, whatever their spelling, so "J/kg/K" is
+// J/(kg*K), "m/s*kg" is m*kg/s and "J/kg K" is J*K/kg. A unit is raised to at
+// most one written power: "m^2^3" and "m\u00b2^3" are refused, "(m^2)^3" is
+// m^6. The exponent's denominator may not be 0, and parentheses nest at most
+// 200 deep.
+//
+// A syntax error (units2:core:SyntaxError) names the position of the first
+// code unit that does not fit, counted from 1 in the text's code units (UTF-16
+// for the text of an Expr). Every character the grammar accepts is one code
+// unit, so the position is also the number of the offending character; a
+// character outside the Basic Multilingual Plane is never accepted, and an
+// error at one points at its first code unit.
 //
 // Offset rule: a unit with a non-zero offset (degC, degF) measures points on a
 // scale, so it may only make up the whole expression on its own, to the power
@@ -28,7 +59,10 @@
 //   units2::core::Expr e(u"N*m");
 //   e.isValid();                                             // true
 //   krel::ustring(units2::core::to_raw_expr(e.info().factors));  // u"N*m"
-//   units2::core::Expr(u"kg**m").isValid();                  // false
+//   krel::ustring(units2::core::to_raw_expr(
+//       units2::core::Expr(u"kg m/s\u00b2").info().factors));   // u"kg*m/s^2"
+//   units2::core::Expr(u"kg**m").isValid();                  // false: ** is a power
+//   units2::core::Expr(u"gal").problem()->id().key;          // "AmbiguousUnit"
 
 #ifndef UNITS2_CORE_EXPR_H
 #define UNITS2_CORE_EXPR_H
@@ -86,7 +120,8 @@ class Expr {
   /// The expression `text`, resolved against the getter's context.
   Expr(const ContextGetter& context, const krel::ustring& text);
   /// The product `factors`, resolved against the getter's context: valid when
-  /// every unit is known and the offset rule holds.
+  /// every unit is known and the offset rule holds. Long names and aliases
+  /// among the factors are read as their units' ids.
   Expr(const ContextGetter& context, const Factors& factors);
 
   Expr(const Expr&) noexcept;
@@ -102,7 +137,7 @@ class Expr {
   [[nodiscard]] const ExprInfo& info() const noexcept;
 
   /// Why the expression is invalid (units2:core:SyntaxError, UnknownUnit,
-  /// OffsetUnitNotAlone, ...); nothing when it is valid.
+  /// AmbiguousUnit, OffsetUnitNotAlone, ...); nothing when it is valid.
   [[nodiscard]] const std::optional<krel::Message>& problem() const noexcept;
 
   /// The context the expression was resolved against.
