@@ -21,14 +21,13 @@ namespace ui::core {
 // memory), and the sequence is reserved once.
 struct detail::NodePathParser {
   using Rep = NodePathBase::Rep;
-  // A new record with its one reference, null for the empty path, or the
-  // message. Records travel as pointers until a handle adopts them: moving a
-  // handle would take and drop a reference to the shared empty record.
-  using Parsed = std::variant<Rep*, MsgId>;
+  // The handle of the path's record (the shared empty record for the empty
+  // path), or the message.
+  using Parsed = std::variant<krel::Cow<Rep>, MsgId>;
 
   static Parsed parse(const ustring& text) {
     if (!node_path_ends_ok(text.data(), text.size())) return invalid_node_path(text);
-    if (text.empty()) return static_cast<Rep*>(nullptr);
+    if (text.empty()) return krel::Cow<Rep>();
 
     const char16_t* const begin = text.data();
     const char16_t* const end = begin + text.size();
@@ -72,43 +71,25 @@ struct detail::NodePathParser {
       ids.push_back(NodeId(NodeId::Checked{}, first, last, may_hold_space));
       first = last + 1;
     }
-    return new Rep(std::move(ids));
-  }
-
-  static krel::Cow<Rep> handle(Rep* rep) noexcept {
-    return rep == nullptr ? krel::Cow<Rep>() : krel::Cow<Rep>(rep);
+    return krel::Cow<Rep>::make(std::move(ids));
   }
 
   static krel::Cow<Rep> record_or_throw(const ustring& text) {
     Parsed parsed = parse(text);
-    if (Rep** rep = std::get_if<Rep*>(&parsed)) return handle(*rep);
+    if (krel::Cow<Rep>* rep = std::get_if<krel::Cow<Rep>>(&parsed)) return std::move(*rep);
     throw_message(std::move(std::get<MsgId>(parsed)));
   }
 
   // The path of a text, or nothing when the text is refused.
   static std::optional<NodePath> make(const ustring& text) {
     Parsed parsed = parse(text);
-    Rep** rep = std::get_if<Rep*>(&parsed);
+    krel::Cow<Rep>* rep = std::get_if<krel::Cow<Rep>>(&parsed);
     if (rep == nullptr) return std::nullopt;
     std::optional<NodePath> path(std::in_place);
-    krel::Cow<Rep> record = handle(*rep);
-    static_cast<NodePathBase&>(*path).rep_.swap(record);
+    static_cast<NodePathBase&>(*path).rep_.swap(*rep);
     return path;
   }
 };
-
-NodePathBase::Rep& NodePathBase::Rep::shared_empty() noexcept {
-  // A union member is not destroyed with the union, so the record outlives
-  // every path, including paths with static storage duration that are
-  // destroyed after this function's statics.
-  union Holder {
-    constexpr Holder() noexcept : rep(krel::shared_empty_tag) {}
-    ~Holder() {}
-    Rep rep;
-  };
-  static constinit Holder holder;
-  return holder.rep;
-}
 
 krel::Cow<NodePathBase::Rep> NodePathBase::adopt_(std::vector<NodeId>&& ids) {
   if (ids.empty()) return krel::Cow<Rep>();

@@ -1,7 +1,6 @@
 #include "ui/core/object_path_element.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstdint>
 #include <memory>
 #include <ostream>
@@ -195,15 +194,4 @@ std::ostream& operator<<(std::ostream& os, const ObjectPathElement& e) {
   return os << krel::ustring_to_local_encoded_string(to_string(e));
 }
 
-namespace detail {
-
-void ObjectPathElementAccess::set_kind_for_testing(ObjectPathElement& e,
-                                                   std::size_t kind) noexcept {
-  assert(kind != ObjectPathElement::subscript_kind && kind != ObjectPathElement::name_kind &&
-         "only a broken kind index may be set");
-  e.destroy_value();
-  e.kind_ = kind;
-}
-
-}  // namespace detail
 }  // namespace ui::core

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "object_path/broken_element_impl.h"
 #include "value_checks.h"
 
 namespace {

@@ -1,24 +1,23 @@
-// ui/core/enumerations.h - Access and UnitConversionType with their user texts
-//
-// Two small enumerations with a fixed text for users, a parser from that text
-// and narrow stream output. They react differently to text they do not know:
-// to_access refuses it with the InvalidAccess message, while
-// to_unit_conversion_type quietly answers UnitConversionType::unknown, whose
-// text is a translated catalogue message.
-//
-//   ui::core::to_access(u"external");                 // Access::external
-//   ui::core::to_access(u"External");                 // throws InvalidAccess
-//   ui::core::to_unit_conversion_type(u"relative");   // UnitConversionType::relative
-//   ui::core::to_unit_conversion_type(u"delta");      // UnitConversionType::unknown
-//   std::cout << ui::core::UnitConversionType::unknown;  // "unknown" (or "unbekannt")
-//
-// Texts are matched exactly: case-sensitive, no trimming of blanks.
-// Threads: every function may be called from any thread; the stream functions
-// need the caller to serialise use of the stream.
-
-/// \file
+/// \file ui/core/enumerations.h
 /// Access and UnitConversionType with their user texts.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// Two small enumerations with a fixed text for users, a parser from that text
+/// and narrow stream output. They react differently to text they do not know:
+/// to_access refuses it with the InvalidAccess message, while
+/// to_unit_conversion_type quietly answers UnitConversionType::unknown, whose
+/// text is a translated catalogue message.
+///
+/// ```
+/// ui::core::to_access(u"external");                 // Access::external
+/// ui::core::to_access(u"External");                 // throws InvalidAccess
+/// ui::core::to_unit_conversion_type(u"relative");   // UnitConversionType::relative
+/// ui::core::to_unit_conversion_type(u"delta");      // UnitConversionType::unknown
+/// std::cout << ui::core::UnitConversionType::unknown;  // "unknown" (or "unbekannt")
+/// ```
+///
+/// Texts are matched exactly: case-sensitive, no trimming of blanks.
+/// Threads: every function may be called from any thread; the stream functions
+/// need the caller to serialise use of the stream.
 
 #ifndef UI_CORE_ENUMERATIONS_H
 #define UI_CORE_ENUMERATIONS_H

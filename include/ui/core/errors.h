@@ -1,19 +1,18 @@
-// ui/core/errors.h - the messages the kernel reports failures with
-//
-// Every failure of the kernel is a krel::MessageException whose message
-// identifier has a catalogue "kalder:common:ui:core:kernel:<area>" and a key
-// from the table below. Callers that react to one failure compare the
-// identifier, not the wording, which depends on the locale:
-//
-//   try {
-//     ui::core::NodePath1 path(text);
-//   } catch (const krel::MessageException& e) {
-//     if (ui::core::is_error(e, ui::core::ErrorId::InvalidNodePath)) ...
-//   }
-
-/// \file
+/// \file ui/core/errors.h
 /// The messages the kernel reports failures with.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// Every failure of the kernel is a krel::MessageException whose message
+/// identifier has a catalogue `"kalder:common:ui:core:kernel:<area>"` and a key
+/// from the table below. Callers that react to one failure compare the
+/// identifier, not the wording, which depends on the locale:
+///
+/// ```
+/// try {
+///   ui::core::NodePath1 path(text);
+/// } catch (const krel::MessageException& e) {
+///   if (ui::core::is_error(e, ui::core::ErrorId::InvalidNodePath)) ...
+/// }
+/// ```
 
 #ifndef UI_CORE_ERRORS_H
 #define UI_CORE_ERRORS_H

@@ -1,21 +1,23 @@
-// ui/core/indexing.h - array subscripts to linear indices and back
-//
-// A user picks one element of an array by 1-based subscripts, one per
-// dimension, written as an ObjectPathSubscript such as //2, 3. The modelling
-// language picks the same element by a 0-based linear index carried together
-// with the array's size, a lang::core::PathElementIndex. Storage is
-// column-major (the first subscript varies fastest), so the 0-based index is
-//   (s0 - 1) + (s1 - 1)*d0 + (s2 - 1)*d0*d1 + ...
-// for subscripts s0, s1, ... into dimensions d0, d1, ...
-//
-//   krel::ArraySize size{3, 4};
-//   ui::core::sub_to_ind(ui::core::ObjectPathSubscript(u"//2, 3"), size).index();  // 7
-//   ui::core::ind_to_sub(lang::core::PathElementIndex(7, size));  // //2, 3
-//   ui::core::sub_to_maybe_ind(ui::core::ObjectPathSubscript(u"//4, 1"), size);  // empty: 4 > 3
-
-/// \file
+/// \file ui/core/indexing.h
 /// Array subscripts to linear indices and back.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// A user picks one element of an array by 1-based subscripts, one per
+/// dimension, written as an ObjectPathSubscript such as //2, 3. The modelling
+/// language picks the same element by a 0-based linear index carried together
+/// with the array's size, a lang::core::PathElementIndex. Storage is
+/// column-major (the first subscript varies fastest), so the 0-based index of
+/// subscripts s0, s1, ... into dimensions d0, d1, ... is
+///
+/// ```
+/// (s0 - 1) + (s1 - 1)*d0 + (s2 - 1)*d0*d1 + ...
+/// ```
+///
+/// ```
+/// krel::ArraySize size{3, 4};
+/// ui::core::sub_to_ind(ui::core::ObjectPathSubscript(u"//2, 3"), size).index();  // 7
+/// ui::core::ind_to_sub(lang::core::PathElementIndex(7, size));  // //2, 3
+/// ui::core::sub_to_maybe_ind(ui::core::ObjectPathSubscript(u"//4, 1"), size);  // empty: 4 > 3
+/// ```
 
 #ifndef UI_CORE_INDEXING_H
 #define UI_CORE_INDEXING_H

@@ -1,25 +1,24 @@
-// ui/core/lang_path.h - node paths to and from the modelling language's paths
-//
-// The user interface names model items by node paths (a sequence of NodeIds);
-// the modelling language names the same items by container paths (a sequence
-// of named steps, each picking one element of an array) and value paths (a
-// container path followed by a value's name). A node path knows nothing of
-// arrays, so each of its identifiers stands for a scalar step: going to a
-// language path attaches the scalar index (index 0 of a 1x1 size), and coming
-// back refuses any step that is not scalar with NonScalarPath, whose argument
-// is the user text of the language path that held it.
-//
-//   ui::core::NodePath1 p(u"Body//Frame/mass");
-//   lang::core::ValuePath v = ui::core::to_value_path(p);
-//   lang::core::to_user_string(v);  // u"Body//Frame.mass": head "Body//Frame", tail "mass"
-//   ui::core::to_node_path1(v);     // equal to p again
-//
-// Names travel as the identifiers' texts, escapes kept ("Body//Frame" stays
-// doubled), so a round trip gives back equal identifiers.
-
-/// \file
+/// \file ui/core/lang_path.h
 /// Node paths to and from the modelling language's paths.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// The user interface names model items by node paths (a sequence of NodeIds);
+/// the modelling language names the same items by container paths (a sequence
+/// of named steps, each picking one element of an array) and value paths (a
+/// container path followed by a value's name). A node path knows nothing of
+/// arrays, so each of its identifiers stands for a scalar step: going to a
+/// language path attaches the scalar index (index 0 of a 1x1 size), and coming
+/// back refuses any step that is not scalar with NonScalarPath, whose argument
+/// is the user text of the language path that held it.
+///
+/// ```
+/// ui::core::NodePath1 p(u"Body//Frame/mass");
+/// lang::core::ValuePath v = ui::core::to_value_path(p);
+/// lang::core::to_user_string(v);  // u"Body//Frame.mass": head "Body//Frame", tail "mass"
+/// ui::core::to_node_path1(v);     // equal to p again
+/// ```
+///
+/// Names travel as the identifiers' texts, escapes kept ("Body//Frame" stays
+/// doubled), so a round trip gives back equal identifiers.
 
 #ifndef UI_CORE_LANG_PATH_H
 #define UI_CORE_LANG_PATH_H

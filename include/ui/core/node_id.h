@@ -1,20 +1,19 @@
-// ui/core/node_id.h - node identifiers and the separator of node paths
-//
-// A node path is text whose components are node identifiers joined by "/".
-// A "/" that belongs to an identifier is written doubled, so "//" inside a text
-// is an escaped separator and never splits. The scans here consume pairs from
-// the left: in "a///b" the first two slashes are one escaped "/" and the third
-// is the separator. NodeId is the checked identifier that node paths hold.
-//
-//   ui::core::is_node_id(u"a//b");   // true: one identifier holding an escaped "/"
-//   ui::core::is_node_path(u"a/b");  // true: two identifiers
-//   ui::core::find_node_sep(text) - text.begin();  // 3 for text u"a///b"
-//   ui::core::NodeId id(u"Body//Frame");  // stored as given, escape kept
-//   ui::core::NodeId bad(u"a/b");         // throws InvalidNodeId with "a/b"
-
-/// \file
+/// \file ui/core/node_id.h
 /// Node identifiers and the separator of node paths.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// A node path is text whose components are node identifiers joined by "/".
+/// A "/" that belongs to an identifier is written doubled, so "//" inside a text
+/// is an escaped separator and never splits. The scans here consume pairs from
+/// the left: in "a///b" the first two slashes are one escaped "/" and the third
+/// is the separator. NodeId is the checked identifier that node paths hold.
+///
+/// ```
+/// ui::core::is_node_id(u"a//b");   // true: one identifier holding an escaped "/"
+/// ui::core::is_node_path(u"a/b");  // true: two identifiers
+/// ui::core::find_node_sep(text) - text.begin();  // 3 for text u"a///b"
+/// ui::core::NodeId id(u"Body//Frame");  // stored as given, escape kept
+/// ui::core::NodeId bad(u"a/b");         // throws InvalidNodeId with "a/b"
+/// ```
 
 #ifndef UI_CORE_NODE_ID_H
 #define UI_CORE_NODE_ID_H

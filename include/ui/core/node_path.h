@@ -1,26 +1,29 @@
-// ui/core/node_path.h - paths that name nodes of a model tree
-//
-// NodePath is a sequence of NodeIds written with "/" between them; NodePath1 is
-// a NodePath that is never empty. Every element is a valid NodeId, so code that
-// receives a path never re-checks its elements.
-//
-// Grammar of the text form, checked in two steps:
-//   path = "" | id *("/" id)     where an id is a NodeId text ("//" is an
-//                                escaped "/" inside it, pairs taken from the left)
-// First `is_node_path` looks at the ends only (no leading "/", no single
-// trailing "/"), and refuses with InvalidNodePath; then the text is split at
-// each unescaped "/" and every piece becomes a NodeId, which refuses with
-// InvalidNodeId and the piece.
-//
-//   ui::core::NodePath1 p(u"Body//Frame/mass");  // ids "Body//Frame", "mass"
-//   p.ustring();                                 // u"Body//Frame/mass"
-//   ui::core::relpath(p, ui::core::NodePath(u"Body//Frame"));  // holds "mass"
-//   ui::core::NodePath(u"/mass");                // throws InvalidNodePath
-//   ui::core::NodePath(u"a///b");                // throws InvalidNodeId with "a//"
-
-/// \file
+/// \file ui/core/node_path.h
 /// Paths that name nodes of a model tree.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// NodePath is a sequence of NodeIds written with "/" between them; NodePath1 is
+/// a NodePath that is never empty. Every element is a valid NodeId, so code that
+/// receives a path never re-checks its elements.
+///
+/// Grammar of the text form, checked in two steps:
+///
+/// ```
+/// path = "" | id *("/" id)     where an id is a NodeId text ("//" is an
+///                              escaped "/" inside it, pairs taken from the left)
+/// ```
+///
+/// First `is_node_path` looks at the ends only (no leading "/", no single
+/// trailing "/"), and refuses with InvalidNodePath; then the text is split at
+/// each unescaped "/" and every piece becomes a NodeId, which refuses with
+/// InvalidNodeId and the piece.
+///
+/// ```
+/// ui::core::NodePath1 p(u"Body//Frame/mass");  // ids "Body//Frame", "mass"
+/// p.ustring();                                 // u"Body//Frame/mass"
+/// ui::core::relpath(p, ui::core::NodePath(u"Body//Frame"));  // holds "mass"
+/// ui::core::NodePath(u"/mass");                // throws InvalidNodePath
+/// ui::core::NodePath(u"a///b");                // throws InvalidNodeId with "a//"
+/// ```
 
 #ifndef UI_CORE_NODE_PATH_H
 #define UI_CORE_NODE_PATH_H
@@ -175,13 +178,12 @@ class NodePathBase {
     krel::RefCount<> count;
     std::vector<NodeId> ids;
 
+    /// The record that every empty path reads; built at compile time, never
+    /// freed.
     constexpr explicit Rep(krel::SharedEmptyTag) noexcept : count(krel::shared_empty_tag) {}
     explicit Rep(std::vector<NodeId>&& v) noexcept : ids(std::move(v)) {}
     /// A copy is always a record of its own.
     Rep(const Rep& other) : ids(other.ids) {}
-
-    /// The record of every empty path; built at compile time, never freed.
-    static Rep& shared_empty() noexcept;
   };
 
   /// The handle of a new record holding `ids`, or of the shared empty record.

@@ -1,36 +1,37 @@
-// ui/core/object_path.h - paths of names and subscripts inside an object
-//
-// An ObjectPath is a sequence of ObjectPathElements that leads from an object
-// to a nested part of it, such as a field of a parameter and then one element
-// of an array. Its text form joins the elements' texts with one "/"; since a
-// subscript's own text begins with "//", a subscript after another element
-// shows three slashes:
-//
-//   ui::core::ObjectPath p = ui::core::to_object_path(u"a///1, 2/b");
-//   p.size();                 // 3: the name a, the subscript (1, 2), the name b
-//   ui::core::ustring(p);     // u"a///1, 2/b"
-//
-// Grammar of path text. The text is cut into segments at separators; a run of
-// "/" that does not reach the end of the text is read thus:
-//
-//   even length  part of the segment (an escaped "/" inside a name, or the
-//                "//" that opens a subscript)
-//   odd length   its first "/" ends the segment and is the separator, so after
-//                "///" the next segment begins with "//" and is a subscript
-//
-// A "/" that is the last code unit, or starts a run that reaches the end,
-// ends the segment as well. Each segment must be a name or a subscript (see
-// make_element), and two subscripts may not follow one another. A single
-// trailing "/" is dropped ("a/" is [a]); a trailing "//" is not ("a//" leaves
-// "/" unparsed).
-//
-// The partial parsers stop at the first segment that is not an element and
-// return the elements so far with the unparsed rest of the text; the complete
-// parsers throw when anything is left.
-
-/// \file
+/// \file ui/core/object_path.h
 /// Paths of names and subscripts inside an object.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// An ObjectPath is a sequence of ObjectPathElements that leads from an object
+/// to a nested part of it, such as a field of a parameter and then one element
+/// of an array. Its text form joins the elements' texts with one "/"; since a
+/// subscript's own text begins with "//", a subscript after another element
+/// shows three slashes:
+///
+/// ```
+/// ui::core::ObjectPath p = ui::core::to_object_path(u"a///1, 2/b");
+/// p.size();                 // 3: the name a, the subscript (1, 2), the name b
+/// ui::core::ustring(p);     // u"a///1, 2/b"
+/// ```
+///
+/// Grammar of path text. The text is cut into segments at separators; a run of
+/// "/" that does not reach the end of the text is read thus:
+///
+/// ```
+/// even length  part of the segment (an escaped "/" inside a name, or the
+///              "//" that opens a subscript)
+/// odd length   its first "/" ends the segment and is the separator, so after
+///              "///" the next segment begins with "//" and is a subscript
+/// ```
+///
+/// A "/" that is the last code unit, or starts a run that reaches the end,
+/// ends the segment as well. Each segment must be a name or a subscript (see
+/// make_element), and two subscripts may not follow one another. A single
+/// trailing "/" is dropped ("a/" is [a]); a trailing "//" is not ("a//" leaves
+/// "/" unparsed).
+///
+/// The partial parsers stop at the first segment that is not an element and
+/// return the elements so far with the unparsed rest of the text; the complete
+/// parsers throw when anything is left.
 
 #ifndef UI_CORE_OBJECT_PATH_H
 #define UI_CORE_OBJECT_PATH_H

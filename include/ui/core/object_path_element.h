@@ -1,28 +1,29 @@
-// ui/core/object_path_element.h - one step of an object path: a name or a subscript
-//
-// An ObjectPathElement holds either an ObjectPathSubscript (kind 0) or an
-// ObjectPathName (kind 1). Elements are values with a total order across both
-// kinds (every subscript before every name), equality, a 64-bit hash, a byte
-// feed for digests and a text form. make_element() turns one segment of object
-// path text into an element:
-//
-//   auto gain = ui::core::make_element(u"Gain");   // a name, kind 1
-//   auto sub = ui::core::make_element(u"//2, 3");  // a subscript, kind 0
-//   ui::core::make_element(u"//0");                // std::nullopt
-//   ui::core::compare(*sub, *gain);                // 1: subscripts sort first
-//
-// The digest byte stream (incorporate_data), every integer big-endian, one sink
-// call per item:
-//
-//   kind index                8 bytes
-//   name:      each code unit  2 bytes
-//   subscript: count           8 bytes
-//              stored positions of the values (krel::ArraySize::size())  8 bytes
-//              each stored value, first to last                          8 bytes
-
-/// \file
+/// \file ui/core/object_path_element.h
 /// One step of an object path: a name or a subscript.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// An ObjectPathElement holds either an ObjectPathSubscript (kind 0) or an
+/// ObjectPathName (kind 1). Elements are values with a total order across both
+/// kinds (every subscript before every name), equality, a 64-bit hash, a byte
+/// feed for digests and a text form. make_element() turns one segment of object
+/// path text into an element:
+///
+/// ```
+/// auto gain = ui::core::make_element(u"Gain");   // a name, kind 1
+/// auto sub = ui::core::make_element(u"//2, 3");  // a subscript, kind 0
+/// ui::core::make_element(u"//0");                // std::nullopt
+/// ui::core::compare(*sub, *gain);                // 1: subscripts sort first
+/// ```
+///
+/// The digest byte stream (incorporate_data), every integer big-endian, one sink
+/// call per item:
+///
+/// ```
+/// kind index                8 bytes
+/// name:      each code unit  2 bytes
+/// subscript: count           8 bytes
+///            stored positions of the values (krel::ArraySize::size())  8 bytes
+///            each stored value, first to last                          8 bytes
+/// ```
 
 #ifndef UI_CORE_OBJECT_PATH_ELEMENT_H
 #define UI_CORE_OBJECT_PATH_ELEMENT_H
@@ -118,6 +119,8 @@ class ObjectPathElement {
   /// @}
 
  private:
+  // Breaks elements on purpose, so that the tests can check what happens to
+  // them; defined in a private header that only the tests include.
   friend struct detail::ObjectPathElementAccess;
   friend void strip_annotation_inplace(ObjectPathElement& e);
 
@@ -211,18 +214,6 @@ void strip_annotation_inplace(ObjectPathElement& e);
 /// Writes to_string(e) in the local encoding.
 std::ostream& operator<<(std::ostream& os, const ObjectPathElement& e);
 
-namespace detail {
-
-/// A hook that exists only so that tests can check what happens to broken
-/// elements; no part of the library calls it.
-struct ObjectPathElementAccess {
-  /// Breaks `e`: releases the value it holds and sets its kind index to
-  /// `kind`, which must be neither 0 nor 1. The element then holds nothing;
-  /// destroying or assigning to it is still safe.
-  static void set_kind_for_testing(ObjectPathElement& e, std::size_t kind) noexcept;
-};
-
-}  // namespace detail
 }  // namespace ui::core
 
 /// Lets elements key unordered containers, with the hash of hash_value.

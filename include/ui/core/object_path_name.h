@@ -1,27 +1,28 @@
-// ui/core/object_path_name.h - the named steps of object paths
-//
-// An ObjectPathName names one step inside a block's object tree, such as a
-// parameter or a field of one. A "/" that belongs to the name is written
-// doubled ("//") and stays doubled in the stored text, since "/" alone
-// separates the steps of an object path. The name rule, on the UTF-16 code
-// units of the text:
-//
-//   name := not empty, first and last code unit not "/", and every maximal run
-//           of "/" of even length
-//
-// Any other code unit is allowed (letters, digits, blanks, punctuation,
-// non-ASCII text, lone surrogates) and there is no length limit. A text that
-// meets the rule is stored with each POSIX white-space code unit (space, \t,
-// \n, \v, \f, \r) replaced by a space, one for one.
-//
-//   ui::core::ObjectPathName gain(u"Gain");
-//   ui::core::ObjectPathName::make(u"a//b");   // a name holding an escaped "/"
-//   ui::core::ObjectPathName::make(u"a/b");    // std::nullopt: a lone "/"
-//   ui::core::ObjectPathName bad(u"a/");       // throws InvalidObjectPathName
-
-/// \file
+/// \file ui/core/object_path_name.h
 /// The named steps of object paths.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// An ObjectPathName names one step inside a block's object tree, such as a
+/// parameter or a field of one. A "/" that belongs to the name is written
+/// doubled ("//") and stays doubled in the stored text, since "/" alone
+/// separates the steps of an object path. The name rule, on the UTF-16 code
+/// units of the text:
+///
+/// ```
+/// name := not empty, first and last code unit not "/", and every maximal run
+///         of "/" of even length
+/// ```
+///
+/// Any other code unit is allowed (letters, digits, blanks, punctuation,
+/// non-ASCII text, lone surrogates) and there is no length limit. A text that
+/// meets the rule is stored with each POSIX white-space code unit (space,
+/// `\t`, `\n`, `\v`, `\f`, `\r`) replaced by a space, one for one.
+///
+/// ```
+/// ui::core::ObjectPathName gain(u"Gain");
+/// ui::core::ObjectPathName::make(u"a//b");   // a name holding an escaped "/"
+/// ui::core::ObjectPathName::make(u"a/b");    // std::nullopt: a lone "/"
+/// ui::core::ObjectPathName bad(u"a/");       // throws InvalidObjectPathName
+/// ```
 
 #ifndef UI_CORE_OBJECT_PATH_NAME_H
 #define UI_CORE_OBJECT_PATH_NAME_H
@@ -53,12 +54,14 @@ struct ObjectPathNameCheck {
 
 /// One named step of an object path; see the top of this file for the rule.
 ///
-/// Invariant: the text is never empty and always meets the name rule, already
-/// cleaned; every ObjectPathName that exists has passed ObjectPathNameCheck or
-/// the path parsers, which apply the same rule to each segment they cut.
+/// Invariant (of every name not moved from): the text is never empty and always
+/// meets the name rule, already cleaned; every ObjectPathName that exists has
+/// passed ObjectPathNameCheck or the path parsers, which apply the same rule to
+/// each segment they cut.
 /// Ownership: holds a krel::BasicTableString, so copies share the text, which
-/// never changes. Threads: an immutable value; copies may be used on any
-/// threads at once.
+/// never changes. A move hands the text over; the moved-from name reads as the
+/// empty text until it is assigned to. Threads: an immutable value; copies may
+/// be used on any threads at once.
 class ObjectPathName {
  public:
   /// The name of `text` after checking and cleaning; throws

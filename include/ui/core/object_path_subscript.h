@@ -1,32 +1,32 @@
-// ui/core/object_path_subscript.h - the array subscripts of object paths
-//
-// An ObjectPathSubscript picks one element of an array-valued object by its
-// 1-based subscripts, one per dimension, as a user writes them. In path text it
-// is two slashes followed by the values, separated by a comma and a blank:
-// "//2, 3". The text grammar the parser accepts (ASCII only):
-//
-//   subscript := "//" piece ( "," piece )*
-//   piece     := blank* digits blank*     (blank: space, \t, \n, \v, \f, \r)
-//   digits    := one or more of 0-9, a value from 1 to 18446744073709551615
-//
-// Leading zeros are allowed ("//007" is 7); an empty piece, a sign, a blank
-// inside the digits, a zero value and a value past 64 bits are refused.
-//
-//   ui::core::ObjectPathSubscript s(u"//2,3");
-//   s.size();               // 2
-//   s(1);                   // 3
-//   s(5);                   // 1: positions past the stored ones read as 1
-//   ui::core::ustring(s);   // u"//2, 3"
-//   ui::core::ObjectPathSubscript::make(u"//0");  // std::nullopt: 1-based
-
-/// \file
+/// \file ui/core/object_path_subscript.h
 /// The array subscripts of object paths.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// An ObjectPathSubscript picks one element of an array-valued object by its
+/// 1-based subscripts, one per dimension, as a user writes them. In path text it
+/// is two slashes followed by the values, separated by a comma and a blank:
+/// "//2, 3". The text grammar the parser accepts (ASCII only):
+///
+/// ```
+/// subscript := "//" piece ( "," piece )*
+/// piece     := blank* digits blank*     (blank: space, \t, \n, \v, \f, \r)
+/// digits    := one or more of 0-9, a value from 1 to 18446744073709551615
+/// ```
+///
+/// Leading zeros are allowed ("//007" is 7); an empty piece, a sign, a blank
+/// inside the digits, a zero value and a value past 64 bits are refused.
+///
+/// ```
+/// ui::core::ObjectPathSubscript s(u"//2,3");
+/// s.size();               // 2
+/// s(1);                   // 3
+/// s(5);                   // 1: positions past the stored ones read as 1
+/// ui::core::ustring(s);   // u"//2, 3"
+/// ui::core::ObjectPathSubscript::make(u"//0");  // std::nullopt: 1-based
+/// ```
 
 #ifndef UI_CORE_OBJECT_PATH_SUBSCRIPT_H
 #define UI_CORE_OBJECT_PATH_SUBSCRIPT_H
 
-#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <initializer_list>
@@ -37,41 +37,12 @@
 
 #include "krel/array_size.h"
 #include "krel/cow.h"
+#include "ui/core/detail/object_path_subscript_rep.h"
 #include "ui/core/errors.h"
 
 namespace ui::core {
 
 namespace detail {
-
-/// The shared record of a subscript. Internal: use ObjectPathSubscript.
-struct ObjectPathSubscriptRep {
-  /// A record of `written` subscripts with these values, checked by the caller.
-  ObjectPathSubscriptRep(std::size_t written, krel::ArraySize values)
-      : size(written), subscripts(std::move(values)) {}
-  /// The same with the values read from [values, values + stored), built in
-  /// place so that the parsers copy them once.
-  ObjectPathSubscriptRep(std::size_t written, const std::size_t* values, std::size_t stored)
-      : size(written), subscripts(values, stored) {}
-  /// A copy starts with its own reference count of one and keeps the hash.
-  ObjectPathSubscriptRep(const ObjectPathSubscriptRep& other)
-      : size(other.size),
-        subscripts(other.subscripts),
-        hash_cache(other.hash_cache.load(std::memory_order_relaxed)) {}
-  ObjectPathSubscriptRep& operator=(const ObjectPathSubscriptRep&) = delete;
-
-  /// How many subscripts were written: what the text and vector forms show.
-  std::size_t size;
-  /// The values; the product is never 0.
-  krel::ArraySize subscripts;
-  /// The hash of an element holding this subscript (hash_value) once
-  /// computed, 0 until then, so that a cached hash is a single load. Written
-  /// by the first hash while the record may be shared: every writer stores the
-  /// same value, so relaxed order is enough and no reader can see anything but
-  /// 0 or that value.
-  mutable std::atomic<std::size_t> hash_cache{0};
-  /// Copies of a subscript order their count changes sequentially consistently.
-  krel::RefCount<krel::CountOrder::sequential> count;
-};
 
 struct ObjectPathSubscriptAccess;
 struct ObjectPathSubscriptHashCache;

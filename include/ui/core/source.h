@@ -1,27 +1,28 @@
-// ui/core/source.h - where a model item came from, and how to get one
-//
-// A Source tells where a model item was defined: a position in a file, a
-// block of the host block-diagram environment, or a block together with
-// whether its dialog is to open. The kernel declares what a Source offers but
-// makes none itself: sources are made by services registered in the process's
-// service registry under SourceCreatorService<Key>, one interface per kind of
-// key. The bundles that register them belong to the bundle set
-// "kalder_ui_create_source", which the first create_source call installs and
-// starts (see krel/bundles.h for where bundle sets are looked up).
-//
-//   boost::shared_ptr<ui::core::Source> source =
-//       ui::core::create_source(krel::Location(u"plant.model", 12, 5));
-//   if (source) std::cout << *source << '\n';  // as the provider prints it
-//
-// A provider implements Source and one or more creator interfaces, and
-// registers them from its bundle's activator:
-//
-//   context.RegisterService<ui::core::SourceCreatorService<krel::Location>>(
-//       std::make_shared<MyLocationSourceCreator>());
-
-/// \file
+/// \file ui/core/source.h
 /// Where a model item came from, and how to get one.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// A Source tells where a model item was defined: a position in a file, a
+/// block of the host block-diagram environment, or a block together with
+/// whether its dialog is to open. The kernel declares what a Source offers but
+/// makes none itself: sources are made by services registered in the process's
+/// service registry under `SourceCreatorService<Key>`, one interface per kind of
+/// key. The bundles that register them belong to the bundle set
+/// "kalder_ui_create_source", which the first create_source call installs and
+/// starts (see krel/bundles.h for where bundle sets are looked up).
+///
+/// ```
+/// boost::shared_ptr<ui::core::Source> source =
+///     ui::core::create_source(krel::Location(u"plant.model", 12, 5));
+/// if (source) std::cout << *source << '\n';  // as the provider prints it
+/// ```
+///
+/// A provider implements Source and one or more creator interfaces, and
+/// registers them from its bundle's activator:
+///
+/// ```
+/// context.RegisterService<ui::core::SourceCreatorService<krel::Location>>(
+///     std::make_shared<MyLocationSourceCreator>());
+/// ```
 
 #ifndef UI_CORE_SOURCE_H
 #define UI_CORE_SOURCE_H

@@ -1,20 +1,19 @@
-// ui/core/text_utils.h - block names in block paths, and escaping text for XML
-//
-// A block path names a block of the host block-diagram environment: block
-// names joined by "/", the first of them the model. A "/" inside a name is
-// written doubled, so "//" never separates. The two block functions cut a
-// piece out of such a path and leave every "//" in it as it stood.
-//
-//   ui::core::block_name(u"model/sub/Gain");                // u"Gain"
-//   ui::core::block_path_without_model(u"model/sub/Gain");  // u"sub/Gain"
-//   ui::core::escape_xml(u"a<b & 'c'");                     // u"a&lt;b &amp; &apos;c&apos;"
-//
-// Every function returns a new text, leaves its argument alone, throws only
-// when memory runs out, and may be called from any thread.
-
-/// \file
+/// \file ui/core/text_utils.h
 /// Block names in block paths, and escaping text for XML.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// A block path names a block of the host block-diagram environment: block
+/// names joined by "/", the first of them the model. A "/" inside a name is
+/// written doubled, so "//" never separates. The two block functions cut a
+/// piece out of such a path and leave every "//" in it as it stood.
+///
+/// ```
+/// ui::core::block_name(u"model/sub/Gain");                // u"Gain"
+/// ui::core::block_path_without_model(u"model/sub/Gain");  // u"sub/Gain"
+/// ui::core::escape_xml(u"a<b & 'c'");                     // u"a&lt;b &amp; &apos;c&apos;"
+/// ```
+///
+/// Every function returns a new text, leaves its argument alone, throws only
+/// when memory runs out, and may be called from any thread.
 
 #ifndef UI_CORE_TEXT_UTILS_H
 #define UI_CORE_TEXT_UTILS_H

@@ -1,21 +1,20 @@
-// ui/core/unit_conversion.h - which unit text to show for a non-affine conversion
-//
-// A unit with an offset, such as degC, has a difference unit whose id is
-// "delta" followed by the unit's own id (deltadegC). When a value is converted
-// without its offset, the interface shows that difference unit - but only when
-// it really is the same unit without the offset: it must exist, have no offset
-// of its own, measure the same quantity and have exactly the same scale.
-// Otherwise, and for anything that is not a single unit, the expression's own
-// text is shown.
-//
-//   using units2::core::Expr;
-//   ui::core::ps2dravik_nonaffine_unit_conversion(Expr(u"degC"), true);   // u"deltadegC"
-//   ui::core::ps2dravik_nonaffine_unit_conversion(Expr(u"degC"), false);  // u"degC"
-//   ui::core::ps2dravik_nonaffine_unit_conversion(Expr(u"m/s"), true);    // u"m/s"
-
-/// \file
+/// \file ui/core/unit_conversion.h
 /// Which unit text to show for a non-affine conversion.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// A unit with an offset, such as degC, has a difference unit whose id is
+/// "delta" followed by the unit's own id (deltadegC). When a value is converted
+/// without its offset, the interface shows that difference unit - but only when
+/// it really is the same unit without the offset: it must exist, have no offset
+/// of its own, measure the same quantity and have exactly the same scale.
+/// Otherwise, and for anything that is not a single unit, the expression's own
+/// text is shown.
+///
+/// ```
+/// using units2::core::Expr;
+/// ui::core::ps2dravik_nonaffine_unit_conversion(Expr(u"degC"), true);   // u"deltadegC"
+/// ui::core::ps2dravik_nonaffine_unit_conversion(Expr(u"degC"), false);  // u"degC"
+/// ui::core::ps2dravik_nonaffine_unit_conversion(Expr(u"m/s"), true);    // u"m/s"
+/// ```
 
 #ifndef UI_CORE_UNIT_CONVERSION_H
 #define UI_CORE_UNIT_CONVERSION_H

@@ -1,6 +1,4 @@
-// ui/core/version.h - the version of the ui_core library a program runs with
-
-/// \file
+/// \file ui/core/version.h
 /// The version of the ui_core library a program runs with.
 
 #ifndef UI_CORE_VERSION_H

@@ -24,10 +24,6 @@ struct RepWithEmpty {
   constexpr explicit RepWithEmpty(krel::SharedEmptyTag) : count(krel::shared_empty_tag) {}
   RepWithEmpty() = default;
   RepWithEmpty(const RepWithEmpty& other) = default;
-  static RepWithEmpty& shared_empty() {
-    static constinit RepWithEmpty empty{krel::shared_empty_tag};
-    return empty;
-  }
 };
 
 struct SeqRep {
@@ -90,11 +86,14 @@ TEST(Cow, DefaultAndMovedFromShareTheEmptyRecord) {
   krel::Cow<RepWithEmpty> a;
   krel::Cow<RepWithEmpty> b;
   EXPECT_TRUE(a.shares_with(b));
+  EXPECT_EQ(a.identity(), b.identity());
+  EXPECT_TRUE(a.has_record());
   b.write().values.push_back(1);
   EXPECT_FALSE(a.shares_with(b));
-  EXPECT_TRUE(RepWithEmpty::shared_empty().values.empty());
+  EXPECT_TRUE(krel::Cow<RepWithEmpty>().read().values.empty());
   krel::Cow<RepWithEmpty> c = std::move(b);
   EXPECT_TRUE(b.shares_with(a));  // NOLINT(bugprone-use-after-move)
+  EXPECT_TRUE(b.has_record());
   EXPECT_EQ(c.read().values, std::vector<int>{1});
 }
 

@@ -1,15 +1,14 @@
-// ui/core/detail/errors.h - building and throwing the kernel's messages
-//
-// Internal to the kernel: do not include this file directly. There is one
-// routine per message that returns its filled identifier, and one throw helper
-// that wraps an identifier in a krel::Message and throws it as
-// krel::MessageException:
-//
-//   detail::throw_message(detail::invalid_node_path(text));
-
-/// \file
+/// \file ui/core/detail/errors.h
 /// Building and throwing the kernel's messages; internal to the kernel.
-/// The comment at the top of the header's source has an overview with examples.
+///
+/// Internal to the kernel: do not include this file directly. There is one
+/// routine per message that returns its filled identifier, and one throw helper
+/// that wraps an identifier in a krel::Message and throws it as
+/// krel::MessageException:
+///
+/// ```
+/// detail::throw_message(detail::invalid_node_path(text));
+/// ```
 
 #ifndef UI_CORE_DETAIL_ERRORS_H
 #define UI_CORE_DETAIL_ERRORS_H

@@ -27,26 +27,35 @@
 #include <initializer_list>
 #include <limits>
 #include <memory>
-#include <new>
 #include <stdexcept>
 #include <utility>
 
-#include "krel/cow.h"
+#include "krel/detail/counted_block.h"
 
 namespace krel {
 
 /// Ownership: a handle to a shared block of elements; copies share it and a
 /// change copies the elements first when the block is shared, so no copy ever
-/// sees another's changes. A null block is the empty vector; reads of it go to
-/// one static empty block that is never freed.
+/// sees another's changes. The empty vector, a moved-from one included, holds
+/// no block and reads the shared empty block, which is never freed.
 /// Threads: copies may be made, read and destroyed on any threads at once; a
 /// single vector is like an int (many readers, or one writer).
 /// Exceptions: every change gives the strong guarantee; if copying an element
 /// throws, the vector keeps its elements, its block and its capacity.
 template <class T>
 class SharedVector {
-  static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__,
-                "SharedVector allocates with the default alignment of operator new");
+  // The header of a block: its count, and how many elements it has room for
+  // and holds.
+  struct Header {
+    constexpr explicit Header(SharedEmptyTag) noexcept : count(shared_empty_tag) {}
+    explicit Header(std::size_t room) noexcept : capacity(room) {}
+
+    RefCount<> count;
+    std::size_t capacity = 0;
+    std::size_t size = 0;
+  };
+  using Layout = detail::CountedBlock<Header, T>;
+  using Block = detail::CountedPtr<Layout>;
 
  public:
   using value_type = T;
@@ -61,24 +70,14 @@ class SharedVector {
     grow_and_append(0, values.begin(), values.size());
   }
 
-  SharedVector(const SharedVector& other) noexcept : block_(other.block_) {
-    if (block_ != nullptr) block_->count.increment();
-  }
-  SharedVector(SharedVector&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
-  SharedVector& operator=(SharedVector other) noexcept {
-    swap(other);
-    return *this;
-  }
-  ~SharedVector() { release(block_); }
+  void swap(SharedVector& other) noexcept { block_.swap(other.block_); }
 
-  void swap(SharedVector& other) noexcept { std::swap(block_, other.block_); }
-
-  [[nodiscard]] size_type size() const noexcept { return header().size; }
+  [[nodiscard]] size_type size() const noexcept { return block_.read().size; }
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }
   /// How many elements the block holds room for; 0 for the empty vector.
-  [[nodiscard]] size_type capacity() const noexcept { return header().capacity; }
+  [[nodiscard]] size_type capacity() const noexcept { return block_.read().capacity; }
 
-  [[nodiscard]] const T* data() const noexcept { return elements(header()); }
+  [[nodiscard]] const T* data() const noexcept { return Layout::items(&block_.read()); }
   [[nodiscard]] const_iterator begin() const noexcept { return data(); }
   [[nodiscard]] const_iterator end() const noexcept { return data() + size(); }
 
@@ -100,12 +99,13 @@ class SharedVector {
   /// copying push_back, so growth still copies and keeps the strong guarantee.
   /// If the move throws, the vector is unchanged.
   void push_back(T&& value) {
-    // Acquire in is_one() orders the other copies' last reads of the block
-    // before the write below, as in grow_and_append().
-    if (block_ != nullptr && block_->count.is_one() && block_->capacity > block_->size) {
-      std::construct_at(elements(block_) + block_->size, std::move(value));
-      ++block_->size;
-      return;
+    if (block_.is_sole_owner()) {
+      Header& own = *block_.get();
+      if (own.capacity > own.size) {
+        std::construct_at(Layout::items(&own) + own.size, std::move(value));
+        ++own.size;
+        return;
+      }
     }
     push_back(static_cast<const T&>(value));
   }
@@ -120,26 +120,25 @@ class SharedVector {
   /// Makes the block this vector's own with room for at least n elements.
   void reserve(size_type n) { grow_and_append(n, nullptr, 0); }
 
-  /// True when both vectors refer to one block (or both are empty and null).
+  /// True when both vectors refer to one block (or both are empty and hold
+  /// none).
   [[nodiscard]] bool shares_with(const SharedVector& other) const noexcept {
-    return block_ == other.block_;
+    return block_.get() == other.block_.get();
   }
 
   /// How many vectors share the block (1 for the empty vector), for tests and
   /// diagnostics; stale as soon as it is read.
-  [[nodiscard]] std::size_t use_count() const noexcept { return header().count.value(); }
+  [[nodiscard]] std::size_t use_count() const noexcept { return block_.read().count.value(); }
 
   /// The total byte size of a block that holds the header and n elements: the
   /// smallest power of two that fits them. Throws std::length_error when no
   /// such size exists.
   [[nodiscard]] static std::size_t block_bytes(size_type n) {
-    constexpr std::size_t max = std::numeric_limits<std::size_t>::max();
-    constexpr std::size_t largest_power = (max >> 1) + 1;
-    if (n > (max - elements_offset) / sizeof(T) ||
-        elements_offset + n * sizeof(T) > largest_power) {
-      throw std::length_error("krel::SharedVector: too many elements");
-    }
-    return std::bit_ceil(elements_offset + n * sizeof(T));
+    constexpr const char* too_many = "krel::SharedVector: too many elements";
+    constexpr std::size_t largest_power = (std::numeric_limits<std::size_t>::max() >> 1) + 1;
+    const std::size_t bytes = Layout::bytes_for(n, too_many);
+    if (bytes > largest_power) throw std::length_error(too_many);
+    return std::bit_ceil(bytes);
   }
 
   friend bool operator==(const SharedVector& a, const SharedVector& b) {
@@ -147,51 +146,6 @@ class SharedVector {
   }
 
  private:
-  struct Header {
-    RefCount<> count;
-    std::size_t capacity;
-    std::size_t size;
-  };
-
-  // The elements start at the first position after the header that suits T.
-  static constexpr std::size_t elements_offset =
-      (sizeof(Header) + alignof(T) - 1) / alignof(T) * alignof(T);
-
-  // The block that reads of an empty vector see: count 1, capacity 0, size 0,
-  // built once on first use (the static guard makes the first use thread-safe)
-  // and never freed. Its storage is sized like a block with no slots, so its
-  // element pointer is a valid end pointer.
-  struct EmptyBlock {
-    Header header;
-    alignas(T) unsigned char end[elements_offset - sizeof(Header) + 1];
-  };
-  static const Header& empty_header() noexcept {
-    static const EmptyBlock empty{Header{RefCount<>{}, 0, 0}, {}};
-    return empty.header;
-  }
-
-  const Header& header() const noexcept { return block_ != nullptr ? *block_ : empty_header(); }
-
-  static T* elements(Header* block) noexcept {
-    return reinterpret_cast<T*>(reinterpret_cast<unsigned char*>(block) + elements_offset);
-  }
-  static const T* elements(const Header& block) noexcept {
-    return reinterpret_cast<const T*>(reinterpret_cast<const unsigned char*>(&block) +
-                                      elements_offset);
-  }
-
-  // Destroys a block's elements, last to first, and frees it.
-  static void destroy(Header* block) noexcept {
-    T* first = elements(block);
-    for (std::size_t i = block->size; i != 0; --i) std::destroy_at(first + (i - 1));
-    block->~Header();
-    ::operator delete(static_cast<void*>(block));
-  }
-
-  static void release(Header* block) noexcept {
-    if (block != nullptr && block->count.decrement()) destroy(block);
-  }
-
   // Copies [src, src + count) into uninitialised slots at dst; if a copy
   // throws, the copies already made are destroyed and the exception passes on.
   static void copy_into(T* dst, const T* src, std::size_t count) {
@@ -217,30 +171,26 @@ class SharedVector {
   void grow_and_append(std::size_t wanted, const T* extra, std::size_t count) {
     const std::size_t old_size = size();
     const std::size_t n = std::max(wanted, old_size + count);
-    if (n == 0 && block_ == nullptr) return;  // the empty vector needs no block
-    // Acquire in is_one() orders the other copies' last reads of the block
-    // before the writes below.
-    if (block_ != nullptr && block_->count.is_one() && block_->capacity >= n) {
-      copy_into(elements(block_) + old_size, extra, count);
-      block_->size = old_size + count;
+    if (n == 0 && block_.get() == nullptr) return;  // the empty vector needs no block
+    if (block_.is_sole_owner() && block_.get()->capacity >= n) {
+      Header& own = *block_.get();
+      copy_into(Layout::items(&own) + old_size, extra, count);
+      own.size = old_size + count;
       return;
     }
     const std::size_t bytes = block_bytes(n);
-    void* raw = ::operator new(bytes);  // std::bad_alloc when memory runs out
-    Header* fresh = ::new (raw) Header{RefCount<>{}, (bytes - elements_offset) / sizeof(T), 0};
-    try {
-      copy_into(elements(fresh), data(), old_size);
-      fresh->size = old_size;
-      copy_into(elements(fresh) + old_size, extra, count);
-      fresh->size = old_size + count;
-    } catch (...) {
-      destroy(fresh);
-      throw;
-    }
-    release(std::exchange(block_, fresh));
+    // If a copy throws, `fresh` frees the block with the elements copied so
+    // far, and this vector is untouched.
+    Block fresh(Layout::allocate(bytes, (bytes - Layout::items_offset) / sizeof(T)));
+    Header& header = *fresh.get();
+    copy_into(Layout::items(&header), data(), old_size);
+    header.size = old_size;
+    copy_into(Layout::items(&header) + old_size, extra, count);
+    header.size = old_size + count;
+    block_ = std::move(fresh);
   }
 
-  Header* block_ = nullptr;
+  Block block_;
 };
 
 }  // namespace krel

@@ -14,21 +14,34 @@
 
 #include <cstddef>
 #include <cstring>
-#include <new>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
-#include "krel/cow.h"
+#include "krel/detail/counted_block.h"
 
 namespace krel {
 
 /// Ownership: a handle to an immutable, shared block of text; copies share it
-/// and a copy is safe to keep. Threads: copies may be used and destroyed on any
-/// threads at once.
+/// and a copy is safe to keep. The empty text, a moved-from one included,
+/// holds no block. Threads: copies may be used and destroyed on any threads at
+/// once.
 template <class CharT>
 class BasicTableString {
   static_assert(std::is_trivially_copyable_v<CharT>);
+
+  // The header of a block: its count and the number of code units, which are
+  // followed by a terminator.
+  struct Header {
+    constexpr explicit Header(SharedEmptyTag) noexcept : count(shared_empty_tag) {}
+    explicit Header(std::size_t units) noexcept : size(units) {}
+
+    RefCount<> count;
+    std::size_t size = 0;
+  };
+  using Layout = detail::CountedBlock<Header, CharT>;
+  using Block = detail::CountedPtr<Layout>;
 
  public:
   using value_type = CharT;
@@ -41,7 +54,7 @@ class BasicTableString {
   explicit BasicTableString(std::basic_string_view<CharT> text)
       : BasicTableString(text.data(), text.size()) {}
   BasicTableString(const CharT* data, std::size_t size)
-      : block_(size == 0 ? nullptr : allocate(data, size)) {}
+      : block_(size == 0 ? Block() : copy_of(data, size)) {}
 
   /// A text of `size` code units that `fill(CharT* out)` writes straight into
   /// the new block, exactly `size` of them, so that a text transformed on its
@@ -51,31 +64,14 @@ class BasicTableString {
   [[nodiscard]] static BasicTableString filled(std::size_t size, Fill&& fill) {
     BasicTableString text;
     if (size != 0) {
-      Block* block = allocate_block(size);
-      fill(chars(block));
-      text.block_ = block;
+      text.block_ = allocate(size);
+      fill(Layout::items(text.block_.get()));
     }
     return text;
   }
 
-  BasicTableString(const BasicTableString& other) noexcept : block_(other.block_) {
-    if (block_ != nullptr) block_->count.increment();
-  }
-  BasicTableString(BasicTableString&& other) noexcept : block_(other.block_) {
-    other.block_ = nullptr;
-  }
-  BasicTableString& operator=(BasicTableString other) noexcept {
-    std::swap(block_, other.block_);
-    return *this;
-  }
-  ~BasicTableString() {
-    if (block_ != nullptr && block_->count.decrement()) deallocate(block_);
-  }
-
-  [[nodiscard]] const CharT* data() const noexcept {
-    return block_ != nullptr ? chars(block_) : empty_chars();
-  }
-  [[nodiscard]] std::size_t size() const noexcept { return block_ != nullptr ? block_->size : 0; }
+  [[nodiscard]] const CharT* data() const noexcept { return Layout::items(&block_.read()); }
+  [[nodiscard]] std::size_t size() const noexcept { return block_.read().size; }
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }
   [[nodiscard]] const_iterator begin() const noexcept { return data(); }
   [[nodiscard]] const_iterator end() const noexcept { return data() + size(); }
@@ -90,50 +86,31 @@ class BasicTableString {
 
   /// True when both share one block (or both are empty).
   [[nodiscard]] bool shares_with(const BasicTableString& other) const noexcept {
-    return block_ == other.block_;
+    return block_.get() == other.block_.get();
   }
 
   friend bool operator==(const BasicTableString& a, const BasicTableString& b) noexcept {
-    return a.block_ == b.block_ || a.view() == b.view();
+    return a.shares_with(b) || a.view() == b.view();
   }
 
  private:
-  struct Block {
-    RefCount<> count;
-    std::size_t size;
-  };
-  static constexpr std::size_t chars_offset =
-      (sizeof(Block) + alignof(CharT) - 1) / alignof(CharT) * alignof(CharT);
-
-  static CharT* chars(Block* block) noexcept {
-    return reinterpret_cast<CharT*>(reinterpret_cast<unsigned char*>(block) + chars_offset);
-  }
-  static const CharT* empty_chars() noexcept {
-    static constexpr CharT nothing[1] = {};
-    return nothing;
-  }
   // A block for `size` code units and the terminator, which is written; the
-  // code units are left for the caller to write.
-  static Block* allocate_block(std::size_t size) {
-    if (size > (static_cast<std::size_t>(-1) - chars_offset) / sizeof(CharT) - 1) {
-      throw std::length_error("krel::BasicTableString");
-    }
-    void* raw = ::operator new(chars_offset + (size + 1) * sizeof(CharT));
-    Block* block = ::new (raw) Block{RefCount<>{}, size};
-    chars(block)[size] = CharT{};
+  // code units are left for the caller to write. A size of SIZE_MAX, whose
+  // terminator would wrap the count to 0, goes to the size check unchanged,
+  // which refuses it.
+  static Block allocate(std::size_t size) {
+    const std::size_t slots = size == std::numeric_limits<std::size_t>::max() ? size : size + 1;
+    Block block(Layout::allocate(Layout::bytes_for(slots, "krel::BasicTableString"), size));
+    Layout::items(block.get())[size] = CharT{};
     return block;
   }
-  static Block* allocate(const CharT* data, std::size_t size) {
-    Block* block = allocate_block(size);
-    std::memcpy(chars(block), data, size * sizeof(CharT));
+  static Block copy_of(const CharT* data, std::size_t size) {
+    Block block = allocate(size);
+    std::memcpy(Layout::items(block.get()), data, size * sizeof(CharT));
     return block;
-  }
-  static void deallocate(Block* block) noexcept {
-    block->~Block();
-    ::operator delete(static_cast<void*>(block));
   }
 
-  Block* block_ = nullptr;
+  Block block_;
 };
 
 using TableString = BasicTableString<char16_t>;

@@ -13,8 +13,8 @@
 //   EXPECT_EQ(alloc_counter::live(), before);  // nothing leaked
 //   // live_bytes() does the same for the memory the live allocations hold.
 
-#ifndef UI_CORE_TESTS_NODE_PATH_ALLOC_COUNTER_H
-#define UI_CORE_TESTS_NODE_PATH_ALLOC_COUNTER_H
+#ifndef UI_CORE_TESTS_SUPPORT_ALLOC_COUNTER_H
+#define UI_CORE_TESTS_SUPPORT_ALLOC_COUNTER_H
 
 #include <cstddef>
 
@@ -60,4 +60,4 @@ void mark_counting() noexcept;
 
 }  // namespace alloc_counter
 
-#endif  // UI_CORE_TESTS_NODE_PATH_ALLOC_COUNTER_H
+#endif  // UI_CORE_TESTS_SUPPORT_ALLOC_COUNTER_H
