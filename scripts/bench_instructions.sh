@@ -50,7 +50,7 @@ EOF
 
 for n in 10 100 1000 10000 100000; do
   count "NodePath_scaling_counted/$n/iterations:4" 'ui::core::NodePathBase::NodePathBase*' \
-    'krel::Cow<ui::core::NodePathBase::Rep>::release*'
+    'krel::detail::CountedPtr<*NodePathBase::Rep*>::~CountedPtr*'
 done
 for n in 10 100 1000 10000 100000; do
   count "ObjectPath_scaling_counted/$n/iterations:4" 'ui::core::to_object_path*'

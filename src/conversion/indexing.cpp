@@ -47,9 +47,10 @@ Refusal locate(const ObjectPathSubscript& sub, const krel::ArraySize& size,
 [[noreturn]] void refuse(Refusal refusal, const ObjectPathSubscript& sub,
                          const krel::ArraySize& size) {
   const ustring text = static_cast<ustring>(sub);
-  detail::throw_message(refusal == Refusal::insufficient_dimensions
-                            ? detail::insufficient_subscript_dimensions(text, size)
-                            : detail::subscript_out_of_range(text, size));
+  if (refusal == Refusal::insufficient_dimensions) {
+    detail::throw_error(ErrorId::InsufficientSubscriptDimensions, text, size);
+  }
+  detail::throw_error(ErrorId::SubscriptOutOfRange, text, size);
 }
 
 // Working storage of ind_to_sub: on the stack for the usual number of
@@ -71,7 +72,7 @@ class DimensionBuffer {
 namespace detail {
 
 krel::ArraySize check_array(krel::ArraySize size, std::size_t n) {
-  if (size.numElements() != n) throw_message(invalid_array_arguments(n, size));
+  if (size.numElements() != n) throw_error(ErrorId::InvalidArrayArguments, n, size);
   return size;
 }
 
@@ -121,7 +122,7 @@ ObjectPathSubscript ind_to_sub(const lang::core::PathElementIndex& index) {
   // The one value that does not fit, 2^64, wraps to 0, which a subscript
   // refuses like the constructor from values does.
   if (std::find(subscripts, subscripts + dims, std::size_t{0}) != subscripts + dims) {
-    detail::throw_message(detail::invalid_object_path_subscript());
+    detail::throw_error(ErrorId::InvalidObjectPathSubscript);
   }
   return detail::ObjectPathSubscriptAccess::adopt(dims, subscripts, dims);
 }

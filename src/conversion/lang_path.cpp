@@ -52,7 +52,7 @@ NodePath to_node_path(const lang::core::ContainerPath& path) {
   NodePath result;
   for (const lang::core::ContainerPathElement& element : path) {
     if (!is_scalar_size(element.objIndex().size())) {
-      detail::throw_message(detail::non_scalar_path(lang::core::to_user_string(path)));
+      detail::throw_error(ErrorId::NonScalarPath, lang::core::to_user_string(path));
     }
     result.ids().push_back(NodeId(element.name().string()));
   }
@@ -61,7 +61,7 @@ NodePath to_node_path(const lang::core::ContainerPath& path) {
 
 NodePath to_node_path(const lang::core::ValuePath& path) {
   if (path.tail().cellIndex()) {
-    detail::throw_message(detail::non_scalar_path(lang::core::to_user_string(path)));
+    detail::throw_error(ErrorId::NonScalarPath, lang::core::to_user_string(path));
   }
   NodePath result = to_node_path(path.head());
   result.ids().push_back(NodeId(path.tail().name().string()));
@@ -73,7 +73,7 @@ NodePath1 to_node_path1(const lang::core::ValuePath& path) {
 }
 
 NodePath1 to_node_path1(const lang::core::ContainerPath& path) {
-  if (path.empty()) detail::throw_message(detail::invalid_node_path1(ustring()));
+  if (path.empty()) detail::throw_error(ErrorId::InvalidNodePath1, ustring());
   return NodePath1(to_node_path(path));
 }
 

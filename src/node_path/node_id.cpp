@@ -65,7 +65,7 @@ ustring stored_or_throw(const ustring& text) {
   auto checked = detail::NodeIdCheck{}(text);
   if (auto* stored = std::get_if<ustring>(&checked)) return std::move(*stored);
   // The message carries the text as the caller gave it, before cleaning.
-  detail::throw_message(detail::invalid_node_id(text));
+  detail::throw_error(ErrorId::InvalidNodeId, text);
 }
 
 }  // namespace

@@ -26,7 +26,8 @@ struct detail::NodePathParser {
   using Parsed = std::variant<krel::Cow<Rep>, MsgId>;
 
   static Parsed parse(const ustring& text) {
-    if (!node_path_ends_ok(text.data(), text.size())) return invalid_node_path(text);
+    if (!node_path_ends_ok(text.data(), text.size()))
+      return make_error(ErrorId::InvalidNodePath, text);
     if (text.empty()) return krel::Cow<Rep>();
 
     const char16_t* const begin = text.data();
@@ -60,8 +61,8 @@ struct detail::NodePathParser {
         [&may_hold_space](const char16_t* chunk, std::size_t count) {
           may_hold_space = may_hold_space || find_space(chunk, chunk + count) != chunk + count;
         });
-    if (!all_ok) return invalid_node_id(ustring(first, refused_end));
-    if (!piece_ok(end)) return invalid_node_id(ustring(first, end));
+    if (!all_ok) return make_error(ErrorId::InvalidNodeId, ustring(first, refused_end));
+    if (!piece_ok(end)) return make_error(ErrorId::InvalidNodeId, ustring(first, end));
     ends.push_back(end);
 
     std::vector<NodeId> ids;
@@ -165,7 +166,7 @@ void NodePathBase::append_(const NodePathBase& other) {
 }
 
 void NodePathBase::check_not_empty_() const {
-  if (empty()) detail::throw_message(detail::invalid_node_path1(ustring()));
+  if (empty()) detail::throw_error(ErrorId::InvalidNodePath1, ustring());
 }
 
 std::ostream& operator<<(std::ostream& os, const NodePathBase& path) {

@@ -65,7 +65,7 @@ std::size_t parse_into(ObjectPath& path, const ustring& text) {
       if constexpr (accept == Accept::names) break;
       std::optional<ObjectPathSubscript> subscript = detail::parse_subscript(p, n);
       if (!subscript) break;
-      if (after_subscript) detail::throw_message(detail::invalid_object_path(text));
+      if (after_subscript) detail::throw_error(ErrorId::InvalidObjectPath, text);
       detail::ObjectPathBuilder::push_back(path, ObjectPathElement(std::move(*subscript)));
       after_subscript = true;
     }
@@ -140,7 +140,7 @@ std::pair<ObjectPath, ustring> to_partial_path(const ustring& text) {
 ObjectPath to_object_path(const ustring& text) {
   ObjectPath path;
   if (parse_into<Accept::names_and_subscripts>(path, text) != text.size()) {
-    detail::throw_message(detail::invalid_object_path(text));
+    detail::throw_error(ErrorId::InvalidObjectPath, text);
   }
   return path;
 }
@@ -152,7 +152,7 @@ std::pair<ObjectPath, ustring> to_partial_name_path(const ustring& text) {
 ObjectPath to_name_path(const ustring& text) {
   ObjectPath path;
   if (parse_into<Accept::names>(path, text) != text.size()) {
-    detail::throw_message(detail::invalid_node_path(text));
+    detail::throw_error(ErrorId::InvalidNodePath, text);
   }
   return path;
 }

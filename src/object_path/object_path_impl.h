@@ -48,12 +48,6 @@ struct ObjectPathNameAccess {
   }
 };
 
-/// The POSIX white space (space, \t, \n, \v, \f, \r): the blanks around
-/// subscript values.
-[[nodiscard]] constexpr bool is_blank(char16_t c) noexcept {
-  return c == u' ' || static_cast<unsigned>(c) - u'\t' <= unsigned{u'\r' - u'\t'};
-}
-
 /// An ASCII decimal digit, and its value.
 [[nodiscard]] constexpr bool is_digit(char16_t c) noexcept {
   return static_cast<unsigned>(c) - u'0' <= 9u;
@@ -62,16 +56,13 @@ struct ObjectPathNameAccess {
   return static_cast<unsigned>(c) - u'0';
 }
 
-/// The name rule (see ui/core/object_path_name.h) on [p, p + n).
+/// The name rule (see ui/core/object_path_name.h) on [p, p + n): not empty,
+/// no "/" at either end, and every run of "/" inside made of escaped pairs.
 [[nodiscard]] inline bool meets_name_rule(const char16_t* p, std::size_t n) noexcept {
   if (n == 0 || p[0] == u'/' || p[n - 1] == u'/') return false;
-  const char16_t* const end = p + n;
-  // The first unit is not "/", so the search for runs starts after it.
-  const char16_t* i = find_slash(p, p + 1, end);
-  while (i != end) {
-    const char16_t* const j = slash_run_end(i, end);
-    if ((j - i) % 2 != 0) return false;
-    i = find_slash(p, j, end);
+  SlashRuns runs(p, p + n);
+  while (const std::optional<SlashRun> run = runs.next()) {
+    if (run->is_odd()) return false;
   }
   return true;
 }
@@ -120,7 +111,7 @@ class SubscriptValues {
 
 /// Reads the subscript text [p, p + n) into `values`; false when it does not
 /// parse. The grammar is the one in ui/core/object_path_subscript.h: "//",
-/// then pieces separated by ",", each blanks, digits and blanks, each value
+/// then pieces separated by ",", each white space, digits and white space, each value
 /// from 1 to 2^64 - 1 with any number of leading zeros. Only ASCII code units
 /// can be blanks, digits or commas, so any other code unit refuses the text.
 [[nodiscard]] inline bool parse_subscript_values(const char16_t* p, std::size_t n,
@@ -132,7 +123,7 @@ class SubscriptValues {
   const char16_t* const end = p + n;
   p += 2;
   for (;;) {
-    while (p != end && is_blank(*p)) ++p;
+    while (p != end && is_space_unit(*p)) ++p;
     const char16_t* const digits = p;
     while (p != end && is_digit(*p)) ++p;
     // An empty piece, or one that does not start with a digit.
@@ -148,7 +139,7 @@ class SubscriptValues {
         value = value * 10 + digit;
       }
     }
-    while (p != end && is_blank(*p)) ++p;
+    while (p != end && is_space_unit(*p)) ++p;
     if (value == 0) return false;  // subscripts are 1-based
     values.push_back(value);
     if (p == end) return true;

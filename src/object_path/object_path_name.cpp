@@ -16,7 +16,7 @@ namespace {
 krel::BasicTableString<char16_t> checked_or_throw(const ustring& text) {
   if (!detail::meets_name_rule(text.data(), text.size())) {
     // The message carries the text as the caller gave it, before cleaning.
-    detail::throw_message(detail::invalid_object_path_name(text));
+    detail::throw_error(ErrorId::InvalidObjectPathName, text);
   }
   // Cleaning replaces white space one for one and never touches "/", so the
   // cleaned text meets the rule as well.

@@ -34,7 +34,7 @@ ObjectPathSubscript::ObjectPathSubscript()
 ObjectPathSubscript::ObjectPathSubscript(unsigned long count, krel::ArraySize subscripts)
     : rep_([&] {
         if (has_zero(subscripts)) {
-          detail::throw_message(detail::invalid_object_path_subscript());
+          detail::throw_error(ErrorId::InvalidObjectPathSubscript);
         }
         return krel::Cow<detail::ObjectPathSubscriptRep>::make(count, std::move(subscripts));
       }()) {
@@ -48,7 +48,7 @@ ObjectPathSubscript::ObjectPathSubscript(const ustring& text)
     : ObjectPathSubscript([&] {
         std::optional<ObjectPathSubscript> parsed =
             detail::parse_subscript(text.data(), text.size());
-        if (!parsed) detail::throw_message(detail::invalid_object_path_subscript_string(text));
+        if (!parsed) detail::throw_error(ErrorId::InvalidObjectPathSubscriptString, text);
         return std::move(*parsed);
       }()) {}
 

@@ -1,4 +1,6 @@
-// Runs of "/" in object path text (private to src/object_path).
+// The object path rules on the runs of "/" of common/slash_runs_impl.h
+// (private to src/object_path): where the separators of a path are, and how
+// many there are.
 //
 // A name keeps a literal "/" doubled, so both the name rule and the cutting of
 // a path into segments read "/" in maximal runs: an even run is escaped slashes
@@ -10,90 +12,43 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
-#include "object_path_scan_impl.h"
+#include "../common/slash_runs_impl.h"
 
 namespace ui::core::detail {
 
-/// The first position after the run of "/" that starts at `p`.
-[[nodiscard]] inline const char16_t* slash_run_end(const char16_t* p,
-                                                   const char16_t* end) noexcept {
-  while (p != end && *p == u'/') ++p;
-  return p;
-}
-
-/// The separators of path text, first to last, as the grammar in
-/// ui/core/object_path.h places them: the first "/" of every maximal run of
-/// odd length that does not reach the end of the text, and the first "/" of
-/// the run that reaches the end, if there is one. An even run that does not
-/// reach the end has none: it belongs to a segment.
-///
-/// The text is read 64 code units at a time into a word with one bit per unit,
-/// and the runs are found in the words by bit arithmetic, so the cost per code
-/// unit does not depend on where the "/" are.
+/// The separators of object path text, first to last, as the grammar in
+/// ui/core/object_path.h places them.
 class SeparatorScanner {
  public:
   SeparatorScanner(const char16_t* begin, const char16_t* end) noexcept
-      : begin_(begin), end_(end), next_chunk_(begin), chunk_(begin) {}
+      : end_(end), runs_(begin, end) {}
 
   /// The next separator, or null when there is none left. With a separator,
   /// `reaches_end` is set to whether its run reaches the end of the text.
   [[nodiscard]] const char16_t* next(bool& reaches_end) noexcept {
-    for (;;) {
-      while (events_ != 0) {
-        const int k = __builtin_ctzll(events_);
-        events_ &= events_ - 1;
-        const char16_t* const at = chunk_ + k;
-        if ((starts_ >> k) & 1u) {
-          run_start_ = at;
-          continue;
-        }
-        // The run [run_start_, at) ends inside the text.
-        const char16_t* const start = run_start_;
-        run_start_ = nullptr;
-        if ((at - start) % 2 != 0) {
-          reaches_end = false;
-          return start;
-        }
+    while (const std::optional<SlashRun> run = runs_.next()) {
+      // The run that reaches the end of the text has its separator at its
+      // first "/" whatever its length.
+      if (run->last == end_) {
+        reaches_end = true;
+        return run->first;
       }
-      if (!read_chunk()) {
-        // A run still open has reached the end of the text.
-        const char16_t* const start = run_start_;
-        run_start_ = nullptr;
-        if (start != nullptr) reaches_end = true;
-        return start;
+      // Pairs are taken from the right: the separator of an odd run is its
+      // first "/", so in "a///1" the pair after it opens the subscript "//1".
+      // An even run belongs to a segment: it is the literal "/" of a name.
+      if (run->is_odd()) {
+        reaches_end = false;
+        return run->first;
       }
     }
+    return nullptr;
   }
 
  private:
-  // Reads the next 64 code units (fewer at the end) into the bits of the run
-  // starts and run ends among them; false when the text is all read.
-  bool read_chunk() noexcept {
-    if (next_chunk_ == end_) return false;
-    const auto count = static_cast<std::size_t>(std::min<std::ptrdiff_t>(end_ - next_chunk_, 64));
-    const std::uint64_t slashes = slash_bits(begin_, next_chunk_, count);
-    // Bit k: whether the unit before unit k is "/".
-    const std::uint64_t after_slash = (slashes << 1) | (last_was_slash_ ? 1u : 0u);
-    const std::uint64_t in_text = count == 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
-    starts_ = slashes & ~after_slash;
-    // A run that ends here ends at its first unit that is not "/"; a run that
-    // reaches the end of the text has no such unit and stays open.
-    events_ = starts_ | (~slashes & after_slash & in_text);
-    last_was_slash_ = (slashes >> 63) != 0;  // read only when count is 64
-    chunk_ = next_chunk_;
-    next_chunk_ += count;
-    return true;
-  }
-
-  const char16_t* begin_;
   const char16_t* end_;
-  const char16_t* next_chunk_;
-  const char16_t* chunk_;                // the first unit of the bits below
-  std::uint64_t starts_ = 0;             // the run starts of the chunk
-  std::uint64_t events_ = 0;             // the run starts and ends not yet read
-  bool last_was_slash_ = false;          // the previous chunk's last unit
-  const char16_t* run_start_ = nullptr;  // the start of the open run, if any
+  SlashRuns runs_;
 };
 
 /// The number of set bits. Written out, because the baseline x86-64 target
@@ -106,8 +61,8 @@ class SeparatorScanner {
 }
 
 /// How many separators SeparatorScanner finds in [begin, end), counted without
-/// visiting them one by one: a run of "/" has odd length exactly when its
-/// first unit and the first unit after it lie at positions of different
+/// visiting the runs one by one (it sizes the parse's block before the parse): a run of "/" has odd
+/// length exactly when its first unit and the first unit after it lie at positions of different
 /// parity, and adding a run's start bit to the word of "/" bits carries across
 /// the run to the unit after it, so the ends of all runs that start at even
 /// (or odd) positions come out of one addition.
@@ -121,7 +76,7 @@ class SeparatorScanner {
   const char16_t* open_start = nullptr;
   for (const char16_t* chunk = begin; chunk != end;) {
     const auto n = static_cast<std::size_t>(std::min<std::ptrdiff_t>(end - chunk, 64));
-    std::uint64_t slashes = slash_bits(begin, chunk, n);
+    std::uint64_t slashes = unit_bits<FastScan, SlashUnit>(begin, chunk, n);
     if (open) {
       const std::uint64_t rest = ~slashes;
       if (rest == 0) {  // the run fills this word as well

@@ -39,7 +39,7 @@ template <class T>
 boost::shared_ptr<Source> create_from(const T& key, std::u16string_view kind) {
   install_and_start_kalder_create_source();
   std::shared_ptr<SourceCreatorService<T>> creator = find_creator<T>();
-  if (!creator) detail::throw_message(detail::cannot_create_source(ustring(kind)));
+  if (!creator) detail::throw_error(ErrorId::CannotCreateSource, ustring(kind));
   std::unique_ptr<Source> made = creator->create(key);
   creator.reset();
   return share(std::move(made));

@@ -27,7 +27,7 @@ Access to_access(const ustring& text) {
   // prefix such as "intern" or a text with a blank around it never matches.
   if (text == access_texts[static_cast<std::uint32_t>(Access::internal)]) return Access::internal;
   if (text == access_texts[static_cast<std::uint32_t>(Access::external)]) return Access::external;
-  detail::throw_message(detail::invalid_access(text));
+  detail::throw_error(ErrorId::InvalidAccess, text);
 }
 
 void printAccess(std::ostream& os, const Access& access, const std::string& label) {
@@ -53,7 +53,7 @@ ustring to_user_string(UnitConversionType type) {
   // The unknown kind has no fixed text: users read it in their own language,
   // so it is the catalogue's text for the C library's messages locale of this
   // moment.
-  const krel::Message message(detail::unit_conversion_unknown());
+  const krel::Message message(detail::make_error(ErrorId::UnitConversionUnknown));
   ustring text;
   message.formattedMessage_(text);
   return text;

@@ -6,15 +6,15 @@
 #include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 
+#include "../common/slash_runs_impl.h"
 #include "xml_scan_impl.h"
 
 namespace ui::core {
 namespace {
-
-constexpr char16_t solidus = u'/';
 
 // What escape_xml writes for one ASCII code unit: its replacement, or the
 // unit itself. Padded to eight units so that it is copied with one fixed-size
@@ -94,32 +94,32 @@ char16_t* write_block(char16_t* out, const char16_t* p, std::size_t count, std::
 }  // namespace
 
 ustring block_name(const ustring& path) {
-  if (path.empty()) return ustring();
-  std::size_t p = path.rfind(solidus);
-  // A solidus preceded by another is the second half of an escaped pair; the
-  // search resumes before the pair. Matching from the right makes the last
-  // two of "///" the pair and the first the separator.
-  while (p != ustring::npos && p >= 1 && path[p - 1] == solidus) {
-    p = path.rfind(solidus, p >= 2 ? p - 2 : 0);
+  const char16_t* const begin = path.data();
+  const char16_t* separator = nullptr;
+  detail::SlashRuns runs(begin, begin + path.size());
+  while (const std::optional<detail::SlashRun> run = runs.next()) {
+    // Pairs are taken from the right: the separator of an odd run is its first
+    // "/", so in "a///b" the last two are the pair and the name is "//b". The
+    // last such run holds the separator before the name.
+    if (run->is_odd()) separator = run->first;
   }
   // A leading separator would leave the model name empty; such a path is
   // taken as one name.
-  if (p == ustring::npos || p == 0) return path;
-  return path.substr(p + 1);
+  if (separator == nullptr || separator == begin) return path;
+  return ustring(separator + 1, begin + path.size());
 }
 
 ustring block_path_without_model(const ustring& path) {
-  if (path.empty()) return ustring();
-  std::size_t p = path.find(solidus);
-  // A solidus followed by another starts an escaped pair; skip both. Matching
-  // from the left makes the first two of "///" the pair and the third the
-  // separator.
-  while (p != ustring::npos && p + 1 < path.size() && path[p + 1] == solidus) {
-    p = path.find(solidus, p + 2);
+  const char16_t* const begin = path.data();
+  const char16_t* const end = begin + path.size();
+  detail::SlashRuns runs(begin, end);
+  while (const std::optional<detail::SlashRun> run = runs.next()) {
+    // Pairs are taken from the left: the separator of an odd run is its last
+    // "/", so in "a///b" the first two are the pair and the model is "a//".
+    // The first such run holds the separator after the model name.
+    if (run->is_odd()) return ustring(run->last, end);
   }
-  if (p == ustring::npos) return path;
-  if (p + 1 >= path.size()) return ustring();
-  return path.substr(p + 1);
+  return path;
 }
 
 ustring escape_xml(const ustring& text) {

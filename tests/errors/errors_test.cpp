@@ -48,28 +48,40 @@ TEST(ThrowMessage, EachThrownMessageCarriesItsIdentifierAndArguments) {
   const ustring t = u"a\tb";
   const krel::ArraySize size{2, 3};
   const std::vector<Case> cases = {
-      {ErrorId::InvalidAccess, detail::invalid_access(t), {text_arg(t)}},
+      {ErrorId::InvalidAccess, detail::make_error(ErrorId::InvalidAccess, t), {text_arg(t)}},
       {ErrorId::CannotCreateSource,
-       detail::cannot_create_source(u"OpenDialog"),
+       detail::make_error(ErrorId::CannotCreateSource, u"OpenDialog"),
        {text_arg(u"OpenDialog")}},
       {ErrorId::InvalidArrayArguments,
-       detail::invalid_array_arguments(5, size),
+       detail::make_error(ErrorId::InvalidArrayArguments, 5u, size),
        {Argument(std::in_place_index<0>, 5u), text_arg(u"2x3")}},
-      {ErrorId::InvalidNodeId, detail::invalid_node_id(t), {text_arg(t)}},
-      {ErrorId::InvalidNodePath, detail::invalid_node_path(u"/mass"), {text_arg(u"/mass")}},
-      {ErrorId::InvalidNodePath1, detail::invalid_node_path1(u""), {text_arg(u"")}},
-      {ErrorId::InvalidObjectPath, detail::invalid_object_path(u"a//"), {text_arg(u"a//")}},
-      {ErrorId::InvalidObjectPathName, detail::invalid_object_path_name(t), {text_arg(t)}},
-      {ErrorId::InvalidObjectPathSubscript, detail::invalid_object_path_subscript(), {}},
+      {ErrorId::InvalidNodeId, detail::make_error(ErrorId::InvalidNodeId, t), {text_arg(t)}},
+      {ErrorId::InvalidNodePath,
+       detail::make_error(ErrorId::InvalidNodePath, u"/mass"),
+       {text_arg(u"/mass")}},
+      {ErrorId::InvalidNodePath1,
+       detail::make_error(ErrorId::InvalidNodePath1, u""),
+       {text_arg(u"")}},
+      {ErrorId::InvalidObjectPath,
+       detail::make_error(ErrorId::InvalidObjectPath, u"a//"),
+       {text_arg(u"a//")}},
+      {ErrorId::InvalidObjectPathName,
+       detail::make_error(ErrorId::InvalidObjectPathName, t),
+       {text_arg(t)}},
+      {ErrorId::InvalidObjectPathSubscript,
+       detail::make_error(ErrorId::InvalidObjectPathSubscript),
+       {}},
       {ErrorId::InvalidObjectPathSubscriptString,
-       detail::invalid_object_path_subscript_string(u"//0"),
+       detail::make_error(ErrorId::InvalidObjectPathSubscriptString, u"//0"),
        {text_arg(u"//0")}},
-      {ErrorId::NonScalarPath, detail::non_scalar_path(u"a(2,1)"), {text_arg(u"a(2,1)")}},
+      {ErrorId::NonScalarPath,
+       detail::make_error(ErrorId::NonScalarPath, u"a(2,1)"),
+       {text_arg(u"a(2,1)")}},
       {ErrorId::InsufficientSubscriptDimensions,
-       detail::insufficient_subscript_dimensions(u"//4", size),
+       detail::make_error(ErrorId::InsufficientSubscriptDimensions, u"//4", size),
        {text_arg(u"//4"), text_arg(u"2x3")}},
       {ErrorId::SubscriptOutOfRange,
-       detail::subscript_out_of_range(u"//4, 1", size),
+       detail::make_error(ErrorId::SubscriptOutOfRange, u"//4, 1", size),
        {text_arg(u"//4, 1"), text_arg(u"2x3")}},
   };
   std::set<ErrorId> covered;
@@ -87,8 +99,8 @@ TEST(ThrowMessage, EachThrownMessageCarriesItsIdentifierAndArguments) {
 
 TEST(ThrowMessage, ReservesExactlyTheArgumentCount) {
   EXPECT_EQ(detail::message_id(ErrorId::SubscriptOutOfRange).arguments.capacity(), 2u);
-  EXPECT_EQ(detail::invalid_node_id(u"x").arguments.capacity(), 1u);
-  EXPECT_EQ(detail::unit_conversion_unknown().arguments.size(), 0u);
+  EXPECT_EQ(detail::make_error(ErrorId::InvalidNodeId, u"x").arguments.capacity(), 1u);
+  EXPECT_EQ(detail::make_error(ErrorId::UnitConversionUnknown).arguments.size(), 0u);
   for (const ErrorInfo& info : error_table()) {
     EXPECT_EQ(detail::message_id(info.id).arguments.capacity(), info.arguments) << info.key;
   }
@@ -96,7 +108,7 @@ TEST(ThrowMessage, ReservesExactlyTheArgumentCount) {
 
 TEST(ThrowMessage, WhatNamesTheFullIdentifier) {
   try {
-    detail::throw_message(detail::invalid_node_path(u"/mass"));
+    detail::throw_error(ErrorId::InvalidNodePath, u"/mass");
     FAIL() << "nothing thrown";
   } catch (const krel::MessageException& e) {
     EXPECT_STREQ(e.what(),

@@ -1,5 +1,5 @@
 // The separator scan behind node path parsing, which reads 64 code units at a
-// time, held against the one-separator-at-a-time scan of find_node_sep; and
+// time, held against a scan of one code unit at a time; and
 // the parser held against a reference parser built from the public character
 // tests, on texts long enough that slash runs straddle the 64-unit words.
 
@@ -37,18 +37,19 @@ ustring random_text(std::mt19937& rng, std::size_t length, const std::u16string&
   return text;
 }
 
-// The separators as find_node_sep finds them: from the start, and then from
-// the unit after each one found.
+// The separators one code unit at a time: a "/" followed by another starts
+// an escaped pair, which is skipped whole, and any other "/" is a separator.
 std::vector<std::size_t> reference_separators(const ustring& text) {
   std::vector<std::size_t> found;
-  const char16_t* const begin = text.data();
-  const char16_t* const end = begin + text.size();
-  for (const char16_t* p = begin;;) {
-    const char16_t* const sep = detail::find_node_sep(p, end);
-    if (sep == end) return found;
-    found.push_back(static_cast<std::size_t>(sep - begin));
-    p = sep + 1;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != u'/') continue;
+    if (i + 1 < text.size() && text[i + 1] == u'/') {
+      ++i;
+    } else {
+      found.push_back(i);
+    }
   }
+  return found;
 }
 
 std::vector<std::size_t> scanned_separators(const char16_t* begin, const char16_t* end) {

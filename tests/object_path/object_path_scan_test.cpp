@@ -13,10 +13,10 @@
 #include <utility>
 #include <vector>
 
+#include "common/scan_impl.h"
 #include "expect_error.h"
 #include "krel/ustring.h"
 #include "object_path/object_path_impl.h"
-#include "object_path/object_path_scan_impl.h"
 #include "object_path/slash_runs_impl.h"
 #include "ui/core/object_path.h"
 
@@ -38,26 +38,31 @@ struct Version {
   Fn fn;
 };
 
+using detail::PortableScan;
+using detail::SlashUnit;
+
 std::vector<Version<SlashBits>> slash_bits_versions() {
-  std::vector<Version<SlashBits>> versions{{"portable", &detail::slash_bits_portable}};
+  std::vector<Version<SlashBits>> versions{
+      {"portable", &detail::unit_bits<PortableScan, SlashUnit>}};
 #if UI_CORE_HAVE_SSE2
-  versions.push_back({"sse2", &detail::slash_bits_sse2});
+  versions.push_back({"sse2", &detail::unit_bits<detail::Sse2Scan, SlashUnit>});
 #endif
   return versions;
 }
 
 std::vector<Version<SlashFinder>> slash_finders() {
-  std::vector<Version<SlashFinder>> versions{{"portable", &detail::find_slash_portable}};
+  std::vector<Version<SlashFinder>> versions{
+      {"portable", &detail::find_first<PortableScan, SlashUnit>}};
 #if UI_CORE_HAVE_SSE2
-  versions.push_back({"sse2", &detail::find_slash_sse2});
+  versions.push_back({"sse2", &detail::find_first<detail::Sse2Scan, SlashUnit>});
 #endif
   return versions;
 }
 
 std::vector<Version<CleanCopy>> clean_copies() {
-  std::vector<Version<CleanCopy>> versions{{"portable", &detail::copy_cleaned_portable}};
+  std::vector<Version<CleanCopy>> versions{{"portable", &PortableScan::copy_cleaned}};
 #if UI_CORE_HAVE_SSE2
-  versions.push_back({"sse2", &detail::copy_cleaned_sse2});
+  versions.push_back({"sse2", &detail::Sse2Scan::copy_cleaned});
 #endif
   return versions;
 }

@@ -20,27 +20,27 @@ namespace detail = ui::core::detail;
 using Finder = const char16_t* (*)(const char16_t*, const char16_t*);
 using Masker = unsigned (*)(const char16_t*);
 
-std::vector<Masker> xml_maskers() {
-  std::vector<Masker> maskers{&detail::xml_special_mask_portable};
+// Both twins of the scan primitive, the portable one first.
+template <class Set>
+std::vector<Masker> maskers() {
+  std::vector<Masker> maskers{&detail::PortableScan::mask16<Set>};
 #if UI_CORE_HAVE_SSE2
-  maskers.push_back(&detail::xml_special_mask_sse2);
+  maskers.push_back(&detail::Sse2Scan::mask16<Set>);
 #endif
   return maskers;
 }
 
-const char16_t* find_slash_portable(const char16_t* p, const char16_t* end) {
-  return detail::find_unit_portable(p, end, u'/');
+// A finder that is given no readable unit before its start.
+template <class Scan, class Set>
+const char16_t* find_from_start(const char16_t* p, const char16_t* end) {
+  return detail::find_first<Scan, Set>(p, p, end);
 }
-#if UI_CORE_HAVE_SSE2
-const char16_t* find_slash_sse2(const char16_t* p, const char16_t* end) {
-  return detail::find_unit_sse2(p, end, u'/');
-}
-#endif
 
-std::vector<Finder> slash_finders() {
-  std::vector<Finder> finders{&find_slash_portable};
+template <class Set>
+std::vector<Finder> finders() {
+  std::vector<Finder> finders{&find_from_start<detail::PortableScan, Set>};
 #if UI_CORE_HAVE_SSE2
-  finders.push_back(&find_slash_sse2);
+  finders.push_back(&find_from_start<detail::Sse2Scan, Set>);
 #endif
   return finders;
 }
@@ -56,7 +56,7 @@ TEST(XmlScan, SpecialExactlyWhereEscapeXmlReplaces) {
 // Every code unit at every position of a block sets exactly its own bit in
 // every version when it is special, and no bit otherwise.
 TEST(XmlScan, EveryVersionMasksEveryCodeUnitAtEveryPosition) {
-  for (Masker mask : xml_maskers()) {
+  for (Masker mask : maskers<detail::XmlSpecials>()) {
     for (std::uint32_t u = 0; u <= 0xFFFF; ++u) {
       const auto c = static_cast<char16_t>(u);
       const std::size_t k = u % detail::xml_block;
@@ -76,8 +76,8 @@ TEST(XmlScan, VersionsAgreeOnRandomBlocks) {
   for (int round = 0; round < 100000; ++round) {
     ustring block(detail::xml_block, u'x');
     for (char16_t& c : block) c = alphabet[rng() % std::size(alphabet)];
-    const unsigned expected = detail::xml_special_mask_portable(block.data());
-    for (Masker mask : xml_maskers()) ASSERT_EQ(mask(block.data()), expected);
+    const unsigned expected = detail::PortableScan::mask16<detail::XmlSpecials>(block.data());
+    for (Masker mask : maskers<detail::XmlSpecials>()) ASSERT_EQ(mask(block.data()), expected);
   }
 }
 
@@ -98,7 +98,7 @@ TEST(XmlScan, EscapeXmlMatchesThePerUnitRuleAcrossBlockBoundaries) {
 }
 
 TEST(UnitScan, EveryVersionFindsTheSlashAtEveryPosition) {
-  for (Finder find : slash_finders()) {
+  for (Finder find : finders<detail::SlashUnit>()) {
     for (std::size_t length = 0; length < 40; ++length) {
       for (std::size_t k = 0; k <= length; ++k) {
         ustring text(length, u'a');
@@ -116,18 +116,10 @@ TEST(UnitScan, EveryVersionFindsTheSlashAtEveryPosition) {
 
 namespace {
 
-std::vector<Finder> space_finders() {
-  std::vector<Finder> finders{&detail::find_space_portable};
-#if UI_CORE_HAVE_SSE2
-  finders.push_back(&detail::find_space_sse2);
-#endif
-  return finders;
-}
-
 // Every code unit at every position of a text longer than two blocks is found
 // by every version exactly when it is POSIX white space.
 TEST(SpaceScan, EveryVersionFindsEveryCodeUnitAtEveryPosition) {
-  for (Finder find : space_finders()) {
+  for (Finder find : finders<detail::SpaceUnits>()) {
     for (std::uint32_t u = 0; u <= 0xFFFF; ++u) {
       const auto c = static_cast<char16_t>(u);
       const bool space =

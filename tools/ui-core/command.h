@@ -8,10 +8,10 @@
 //   const ui_core_tool::Registration explain_registration{"explain", &setup_explain};
 //
 // A subcommand that reads inputs (texts, paths, expressions...) describes what
-// it does with ONE input as a `Handler` and lets `add_inputs` and `run_inputs`
-// do the rest: where the inputs come from (arguments, --file, standard
-// input), the three output formats, refusals, exit codes, --locale and the
-// progress line.
+// it does with ONE input as a `Handler`, which fills a Result (result.h), and
+// lets `add_inputs` and `run_inputs` do the rest: where the inputs come from
+// (arguments, --file, standard input), writing the result in the run's
+// format, refusals, exit codes, --locale and the progress line.
 //
 // A CommandLine is built once and runs any number of command lines (`ui-core
 // batch` runs thousands in one process), so every value an option is read
@@ -20,7 +20,7 @@
 //
 //   auto io = add_inputs(cmd, state, {"texts", "Node path texts"});
 //   cmd->callback([io, &state] {
-//     state.exit_code = run_inputs(*io, [](const Input& in, Record& out) { ... });
+//     state.exit_code = run_inputs(*io, [](const Input& in, Result& out) { ... });
 //   });
 
 #ifndef UI_CORE_TOOL_COMMAND_H
@@ -39,6 +39,8 @@
 
 #include "krel/message.h"
 #include "krel/ustring.h"
+#include "resource_core/base_msg_id.h"
+#include "result.h"
 
 namespace ui::core {
 class ObjectPathSubscript;
@@ -141,30 +143,39 @@ void report(const krel::MessageException& e);
 
 /// A refusal by the tool itself rather than by the library: an input line the
 /// tool cannot split into its parts (such as a size that is not a number), or
-/// one that is not UTF-8. It reads like a library message, with the catalogue
-/// "ui-core". From the command line it is bad usage (exit 2); in a line of a
-/// file or of standard input it refuses that line only (exit 1).
+/// one that is not UTF-8. It reads like a library message: its text comes from
+/// the tool's catalogue ("ui-core") in the message locale. From the command
+/// line it is bad usage (exit 2); in a line of a file or of standard input it
+/// refuses that line only (exit 1).
 class InputError : public std::runtime_error {
  public:
-  /// `key` names the problem; `text` is the English text, `text_de` the German.
-  /// `usage`: whether the input's shape is wrong (exit 2 from the command
-  /// line) rather than its content (always a refusal, exit 1).
-  InputError(std::string key, nlohmann::ordered_json arguments, const std::string& text,
-             std::string text_de, bool usage = true);
+  using Arguments = std::vector<resource_core::BaseMsgID::Argument>;
 
-  [[nodiscard]] const std::string& key() const noexcept { return key_; }
+  /// `key` names the problem in the tool's catalogue and `arguments` fill its
+  /// text; they are also the error's "arguments" in --json output. `details`
+  /// fill the text's further placeholders only. `usage`: whether the input's
+  /// shape is wrong (exit 2 from the command line) rather than its content
+  /// (always a refusal, exit 1).
+  InputError(std::string key, Arguments arguments, bool usage = true, Arguments details = {});
+
+  [[nodiscard]] const std::string& key() const noexcept { return id_.key; }
   [[nodiscard]] bool usage() const noexcept { return usage_; }
   /// A JSON array, as the error's "arguments" in --json output.
-  [[nodiscard]] const nlohmann::ordered_json& arguments() const noexcept { return arguments_; }
+  [[nodiscard]] nlohmann::ordered_json arguments() const;
   /// The text in the message locale.
   [[nodiscard]] std::string text() const;
 
  private:
-  std::string key_;
-  nlohmann::ordered_json arguments_;
-  std::string text_de_;
+  resource_core::BaseMsgID id_;
+  std::size_t shown_arguments_;
   bool usage_;
 };
+
+/// The catalogue name of the tool's own texts.
+inline constexpr std::string_view tool_catalogue = "ui-core";
+
+/// The text of the key `key` of the tool's catalogue in the message locale.
+[[nodiscard]] std::string tool_text(std::string key, InputError::Arguments arguments);
 
 /// Reads the value of `option` with `read()`: a value the library or the
 /// tool refuses is bad usage (exit 2), reported with the option's name before
@@ -184,37 +195,15 @@ auto read_option(const std::string& option, Read&& read) -> decltype(read()) {
 
 // --- Inputs and results --------------------------------------------------------
 
-/// How results are written.
-///  - detail: a readable report per input, several lines each; refusals go to
-///    stderr. Used for inputs given as arguments.
-///  - line: exactly one line per input, "<input>\t<result>", or
-///    "<input>\terror: <identifier>: <text>" when refused. Used for inputs read
-///    from a file or standard input, so that output line n belongs to input
-///    line n. The input is echoed with Escape::bytes and every field of the
-///    result with Escape::field (add_field), so each TAB separates fields.
-///  - json: one JSON object per input and line (JSON Lines), with --json.
-enum class Format { detail, line, json };
-
 /// One input, as given (UTF-8) and as the library's text.
 struct Input {
   std::string_view bytes;
   const krel::ustring& text;
 };
 
-/// Where a handler writes the result of one input.
-struct Record {
-  Format format;
-  /// detail and line formats: the text to append. In the line format it
-  /// follows the echoed input, and each field is appended with add_field. Text
-  /// appended before a refusal is kept in the detail format and dropped in
-  /// the others.
-  std::string& text;
-  /// json format: the fields after "input"; "ok" and "error" are added by the
-  /// driver.
-  nlohmann::ordered_json& json;
-};
-
-using Handler = std::function<void(const Input&, Record&)>;
+/// Fills the result of one input; a refusal is thrown (krel::MessageException
+/// or InputError), and what was added before it still shows in the report.
+using Handler = std::function<void(const Input&, Result&)>;
 
 /// How the positional arguments make up inputs.
 enum class ArgGrouping {
@@ -258,15 +247,8 @@ using RefusalNote = std::function<void(const krel::MessageException&)>;
 [[nodiscard]] int run_inputs(const InputOptions& options, const Handler& handler,
                              const RefusalNote& note);
 
-/// Appends UTF-16 text as UTF-8 (a lone surrogate becomes U+FFFD).
-void append_utf8(std::string& out, std::u16string_view text);
-
-/// Appends "'text'" with the text as UTF-8.
-void append_quoted(std::string& out, std::u16string_view text);
-
-/// Line format: appends one field of a result, a '\t' and then `text` (UTF-8)
-/// with Escape::field, so that no TAB, CR, LF or NUL of the text splits it.
-void add_field(std::string& line, std::string_view text);
+/// "'text'" with the text as UTF-8.
+[[nodiscard]] std::string quoted(const krel::ustring& text);
 
 /// An integer for JSON output: a number when a double holds it exactly (at
 /// most 2^53 - 1 in size), else a string of its decimal digits, so that jq

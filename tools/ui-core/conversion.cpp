@@ -53,10 +53,7 @@ krel::ArraySize parse_size(std::string_view text) {
     const auto dim = parse_count(text.substr(start, x == std::string_view::npos ? x : x - start));
     if (!dim) {
       const std::string shown(text);
-      throw InputError(
-          "InvalidSize", nlohmann::ordered_json::array({shown}),
-          "the size '" + shown + "' is not dimensions joined by 'x', such as 3x4",
-          "die Größe '" + shown + "' besteht nicht aus mit 'x' verbundenen Dimensionen, wie 3x4");
+      throw InputError("InvalidSize", {krel::utf8_string_to_ustring(text)});
     }
     dims.push_back(*dim);
     if (x == std::string_view::npos) break;
@@ -68,10 +65,7 @@ krel::ArraySize parse_size(std::string_view text) {
 std::size_t parse_index(std::string_view text) {
   const auto index = parse_count(text);
   if (!index) {
-    const std::string shown(text);
-    throw InputError("InvalidIndex", nlohmann::ordered_json::array({shown}),
-                     "the index '" + shown + "' is not a 0-based decimal index",
-                     "der Index '" + shown + "' ist kein 0-basierter dezimaler Index");
+    throw InputError("InvalidIndex", {krel::utf8_string_to_ustring(text)});
   }
   return *index;
 }
@@ -93,11 +87,8 @@ std::pair<std::string_view, std::string_view> split_size(std::string_view input,
   input = input.substr(0, last == std::string_view::npos ? 0 : last + 1);
   const std::size_t blank = input.find_last_of(blanks);
   if (blank == std::string_view::npos) {
-    const std::string shown(input);
-    throw InputError(
-        "MissingSize", nlohmann::ordered_json::array({shown}),
-        "'" + shown + "' has no array size after the " + std::string(what) + " (or give --size)",
-        "'" + shown + "' hat keine Feldgröße (oder --size angeben)");
+    throw InputError("MissingSize", {krel::utf8_string_to_ustring(input)}, true,
+                     {krel::utf8_string_to_ustring(what)});
   }
   std::string_view first = input.substr(0, blank);
   first = first.substr(0, first.find_last_not_of(blanks) + 1);
@@ -142,7 +133,7 @@ void setup_conversion(CLI::App& app, CommandState& state) {
     cmd->callback([io, size_text, size_option, &state] {
       const auto size = fixed_size(*size_text, size_option->count() != 0);
       io->grouping = size ? ArgGrouping::each : ArgGrouping::pairs;
-      state.exit_code = run_inputs(*io, [&size](const Input& input, Record& out) {
+      state.exit_code = run_inputs(*io, [&size](const Input& input, Result& out) {
         std::string_view subscript_text = input.bytes;
         std::optional<krel::ArraySize> line_size;
         if (!size) {
@@ -153,19 +144,10 @@ void setup_conversion(CLI::App& app, CommandState& state) {
         const krel::ArraySize& array = size ? *size : *line_size;
         const ui::core::ObjectPathSubscript subscript = parse_subscript(subscript_text);
         const std::size_t index = ui::core::sub_to_ind(subscript, array).index();
-        switch (out.format) {
-          case Format::detail:
-            out.text += std::to_string(index) + "\n";
-            break;
-          case Format::line:
-            add_field(out.text, std::to_string(index));
-            break;
-          case Format::json:
-            out.json["subscript"] = values_json(subscript);
-            out.json["size"] = size_json(array);
-            out.json["index"] = json_integer(std::uint64_t{index});
-            break;
-        }
+        const std::string shown = std::to_string(index);
+        out.json("subscript", values_json(subscript));
+        out.json("size", size_json(array));
+        out.add({"index", json_integer(std::uint64_t{index}), shown, shown});
       });
     });
   }
@@ -188,7 +170,7 @@ void setup_conversion(CLI::App& app, CommandState& state) {
     cmd->callback([io, size_text, size_option, &state] {
       const auto size = fixed_size(*size_text, size_option->count() != 0);
       io->grouping = size ? ArgGrouping::each : ArgGrouping::pairs;
-      state.exit_code = run_inputs(*io, [&size](const Input& input, Record& out) {
+      state.exit_code = run_inputs(*io, [&size](const Input& input, Result& out) {
         std::string_view index_text = input.bytes;
         std::optional<krel::ArraySize> line_size;
         if (!size) {
@@ -199,21 +181,10 @@ void setup_conversion(CLI::App& app, CommandState& state) {
         const krel::ArraySize& array = size ? *size : *line_size;
         const std::size_t index = parse_index(index_text);
         const auto sub = ui::core::ind_to_sub(lang::core::PathElementIndex(index, array));
-        switch (out.format) {
-          case Format::detail:
-            append_utf8(out.text, static_cast<krel::ustring>(sub));
-            out.text += '\n';
-            break;
-          case Format::line:
-            add_field(out.text, to_out(static_cast<krel::ustring>(sub)));
-            break;
-          case Format::json:
-            out.json["index"] = json_integer(std::uint64_t{index});
-            out.json["size"] = size_json(array);
-            out.json["subscript"] = values_json(sub);
-            out.json["text"] = to_out(static_cast<krel::ustring>(sub));
-            break;
-        }
+        out.json("index", json_integer(std::uint64_t{index}));
+        out.json("size", size_json(array));
+        out.json("subscript", values_json(sub));
+        out.text("text", to_out(static_cast<krel::ustring>(sub)));
       });
     });
   }
@@ -226,31 +197,22 @@ void setup_conversion(CLI::App& app, CommandState& state) {
                           "  ui-core lang-path --json a/b/c mass\n"
                           "  ui-core lang-path --file paths.txt\n"});
     cmd->callback([io, &state] {
-      state.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+      state.exit_code = run_inputs(*io, [](const Input& input, Result& out) {
         const ui::core::NodePath1 path(input.text);
         const lang::core::ContainerPath container =
             ui::core::to_container_path(ui::core::NodePath(path));
         const lang::core::ValuePath value = ui::core::to_value_path(path);
         const std::string back = to_out(ui::core::to_node_path1(value).ustring());
-        switch (out.format) {
-          case Format::detail:
-            out.text += "container path: " + user_text(container) +
-                        "\nvalue path: " + user_text(value) + " (head '" + user_text(value.head()) +
-                        "', tail '" + user_text(value.tail()) + "')\nnode path: " + back + "\n";
-            break;
-          case Format::line:
-            add_field(out.text, "container: " + user_text(container));
-            add_field(out.text, "value: " + user_text(value));
-            add_field(out.text, "node path: " + back);
-            break;
-          case Format::json:
-            out.json["container"] = user_text(container);
-            out.json["value"] = user_text(value);
-            out.json["head"] = user_text(value.head());
-            out.json["tail"] = user_text(value.tail());
-            out.json["node_path"] = back;
-            break;
-        }
+        const std::string head = user_text(value.head());
+        const std::string tail = user_text(value.tail());
+        out.add({"container", user_text(container), "container path: " + user_text(container),
+                 "container: " + user_text(container)});
+        out.add({"value", user_text(value),
+                 "value path: " + user_text(value) + " (head '" + head + "', tail '" + tail + "')",
+                 "value: " + user_text(value)});
+        out.json("head", head);
+        out.json("tail", tail);
+        out.add({"node_path", back, "node path: " + back, "node path: " + back});
       });
     });
   }

@@ -55,37 +55,30 @@ std::size_t arguments_needed(const std::u16string& pattern) {
   return needed;
 }
 
+// The placeholders from `first` up to `end` as a list in the message
+// locale: "{1}", "{1} and {2}", "{0}, {1} and {2}".
+krel::ustring missing_list(std::size_t first, std::size_t end) {
+  const auto placeholder = [](std::size_t i) {
+    return krel::utf8_string_to_ustring("{" + std::to_string(i) + "}");
+  };
+  krel::ustring list = placeholder(first);
+  for (std::size_t i = first + 1; i + 1 < end; ++i) list += u", " + placeholder(i);
+  if (end - first < 2) return list;
+  return krel::utf8_string_to_ustring(tool_text("ListAnd", {list, placeholder(end - 1)}));
+}
+
 // Refuses an identifier given fewer arguments than its text has placeholders:
 // the text would show a raw "{1}" where a value belongs.
-void check_argument_count(const std::string& identifier, const std::u16string& pattern,
+void check_argument_count(const krel::ustring& identifier, const std::u16string& pattern,
                           std::size_t given) {
   const std::size_t needed = arguments_needed(pattern);
   if (given >= needed) return;
-  // "{1}", "{1} and {2}", "{0}, {1} and {2}".
-  const auto missing = [given, needed](const std::string& and_word) {
-    std::string list;
-    for (std::size_t i = given; i < needed; ++i) {
-      if (i != given) list += i + 1 == needed ? " " + and_word + " " : ", ";
-      list += "{" + std::to_string(i) + "}";
-    }
-    return list;
-  };
-  const std::string count = std::to_string(needed);
-  const bool one = needed - given == 1;
-  throw InputError("MissingArguments",
-                   nlohmann::ordered_json::array({identifier, json_integer(std::uint64_t{needed}),
-                                                  json_integer(std::uint64_t{given})}),
-                   identifier + " takes " + count + (needed == 1 ? " argument" : " arguments") +
-                       ", but " + std::to_string(given) + (given == 1 ? " was" : " were") +
-                       " given: " + missing("and") + (one ? " is" : " are") + " missing",
-                   identifier + " hat " + count + (needed == 1 ? " Argument" : " Argumente") +
-                       ", angegeben " + (given == 1 ? "wurde " : "wurden ") +
-                       std::to_string(given) + ": " + missing("und") +
-                       (one ? " fehlt" : " fehlen"));
+  throw InputError("MissingArguments", {identifier, needed, given}, true,
+                   {missing_list(given, needed), std::uint64_t{needed - given}});
 }
 
 // One input: "<catalogue>:<key>", then its arguments, each after a tab.
-void explain(const Input& input, Record& out) {
+void explain(const Input& input, Result& out) {
   std::vector<std::string> fields;
   std::size_t start = 0;
   for (;;) {
@@ -99,44 +92,25 @@ void explain(const Input& input, Record& out) {
   const std::size_t colon = identifier.rfind(':');
   if (identifier.empty() || colon == std::string::npos || colon == 0 ||
       colon + 1 == identifier.size()) {
-    throw InputError("InvalidIdentifier", nlohmann::ordered_json::array({identifier}),
-                     "expected <catalogue>:<key>, e.g. "
-                     "kalder:common:ui:core:kernel:path:InvalidNodePath, got '" +
-                         identifier + "'",
-                     "erwartet wird <Katalog>:<Schlüssel>, z. B. "
-                     "kalder:common:ui:core:kernel:path:InvalidNodePath, nicht '" +
-                         identifier + "'");
+    throw InputError("InvalidIdentifier", {krel::utf8_string_to_ustring(identifier)});
   }
   resource_core::BaseMsgID id;
   id.catalogue = identifier.substr(0, colon);
   id.key = identifier.substr(colon + 1);
   const auto pattern = msgcat::find_pattern(id.catalogue, id.key, "en");
   if (!pattern) {
-    throw InputError("UnknownMessage", nlohmann::ordered_json::array({identifier}),
-                     "the catalogue has no message " + identifier,
-                     "der Katalog hat keine Meldung " + identifier, false);
+    throw InputError("UnknownMessage", {krel::utf8_string_to_ustring(identifier)}, false);
   }
-  check_argument_count(identifier, *pattern, fields.size() - 1);
+  check_argument_count(krel::utf8_string_to_ustring(identifier), *pattern, fields.size() - 1);
   for (std::size_t i = 1; i < fields.size(); ++i) {
     id.arguments.push_back(argument_for(*pattern, i - 1, fields[i]));
   }
   const std::string text = message_text(id);
-  switch (out.format) {
-    case Format::detail:
-      out.text += text + "\n";
-      break;
-    case Format::line:
-      add_field(out.text, text);
-      break;
-    case Format::json: {
-      out.json["identifier"] = identifier;
-      auto arguments = nlohmann::ordered_json::array();
-      for (std::size_t i = 1; i < fields.size(); ++i) arguments.push_back(fields[i]);
-      out.json["arguments"] = std::move(arguments);
-      out.json["message"] = text;
-      break;
-    }
-  }
+  out.json("identifier", identifier);
+  auto arguments = nlohmann::ordered_json::array();
+  for (std::size_t i = 1; i < fields.size(); ++i) arguments.push_back(fields[i]);
+  out.json("arguments", std::move(arguments));
+  out.text("message", text);
 }
 
 void setup_explain(CLI::App& app, CommandState& state) {

@@ -16,13 +16,11 @@
 #include "command.h"
 #include "line_io.h"
 #include "msgcat/catalogue.h"
+#include "render.h"
 #include "ui/core/object_path_subscript.h"
 
 namespace ui_core_tool {
 namespace {
-
-// The catalogue name of the tool's own refusals (InputError).
-constexpr std::string_view tool_catalogue = "ui-core";
 
 std::string& locale_slot() {
   static std::string name = "C";
@@ -57,89 +55,51 @@ nlohmann::ordered_json argument_json(const resource_core::BaseMsgID::Argument& a
     nlohmann::ordered_json operator()(std::uint64_t v) const { return json_integer(v); }
     nlohmann::ordered_json operator()(std::int64_t v) const { return json_integer(v); }
     nlohmann::ordered_json operator()(double v) const { return v; }
-    nlohmann::ordered_json operator()(const std::u16string& v) const {
-      std::string text;
-      append_utf8(text, v);
-      return text;
-    }
+    nlohmann::ordered_json operator()(const std::u16string& v) const { return to_out(v); }
   };
   return std::visit(Visitor{}, argument);
 }
 
-// A refusal, whoever made it, as the driver writes it.
-struct Refusal {
-  std::string_view catalogue;
-  std::string_view key;
-  nlohmann::ordered_json arguments;
-  std::string text;
-};
-
-constexpr auto json_dump_replace = nlohmann::ordered_json::error_handler_t::replace;
-
-// Runs the handler over inputs one at a time and keeps the counts.
+// Runs the handler over inputs one at a time, has each result written and
+// keeps the counts.
 class Runner {
  public:
   Runner(const Handler& handler, const RefusalNote& note, Format format, Output& output)
-      : handler_(handler), note_(note), format_(format), output_(output) {}
+      : handler_(handler), note_(note), renderer_(format, output) {}
 
   // False when the input is bad usage (only possible for arguments): the run
   // ends with exit code 2.
   bool process(std::string_view bytes, bool from_args) {
     ++inputs_;
-    std::string& out = output_.text();
-    const std::size_t mark = out.size();
-    const std::size_t bad = decode_utf8(bytes, text_);
+    result_.clear();
     try {
-      if (bad != std::string_view::npos) {
-        const std::string shown = escaped(bytes);
-        const std::string at = std::to_string(bad);
+      // Decoding would quietly turn bad bytes into U+FFFD and the tool would
+      // answer for a text nobody typed, so such an input is refused instead.
+      if (const std::size_t bad = first_invalid_utf8(bytes); bad != std::string_view::npos) {
         throw InputError("InvalidUtf8",
-                         nlohmann::ordered_json::array({shown, json_integer(std::uint64_t{bad})}),
-                         "'" + shown + "' is not valid UTF-8 (at byte " + at + ")",
-                         "'" + shown + "' ist kein gültiges UTF-8 (bei Byte " + at + ")", false);
+                         {krel::utf8_string_to_ustring(escaped(bytes)), std::uint64_t{bad}}, false);
       }
-      const Input input{bytes, text_};
-      switch (format_) {
-        case Format::detail: {
-          Record record{format_, out, json_};
-          handler_(input, record);
-          break;
-        }
-        case Format::line: {
-          append_escaped(out, bytes, Escape::bytes);
-          Record record{format_, out, json_};
-          handler_(input, record);
-          out += '\n';
-          break;
-        }
-        case Format::json: {
-          start_json(bytes);
-          json_["ok"] = true;
-          Record record{format_, out, json_};
-          handler_(input, record);
-          out += json_.dump(-1, ' ', false, json_dump_replace);
-          out += '\n';
-          break;
-        }
-      }
+      text_ = krel::utf8_string_to_ustring(bytes);
+      handler_(Input{bytes, text_}, result_);
     } catch (const krel::MessageException& e) {
       const resource_core::BaseMsgID& id = e.message().id();
       Refusal refusal{id.catalogue, id.key, nlohmann::ordered_json::array(), message_text(id)};
       for (const auto& a : id.arguments) refusal.arguments.push_back(argument_json(a));
-      refuse(mark, bytes, refusal);
+      result_.refuse(std::move(refusal));
+      write(bytes);
       if (note_ && !noted_) {
         noted_ = true;
         note_(e);
       }
+      return true;
     } catch (const InputError& e) {
       if (from_args && e.usage()) {
         write_error("error: " + e.text() + "\nRun with --help for more information.\n");
         return false;
       }
-      Refusal refusal{tool_catalogue, e.key(), e.arguments(), e.text()};
-      refuse(mark, bytes, refusal);
+      result_.refuse(Refusal{std::string(tool_catalogue), e.key(), e.arguments(), e.text()});
     }
-    output_.commit();
+    write(bytes);
     return true;
   }
 
@@ -147,60 +107,17 @@ class Runner {
   [[nodiscard]] std::uint64_t refused() const noexcept { return refused_; }
 
  private:
-  void start_json(std::string_view bytes) {
-    if (json_.is_object()) {
-      json_.clear();
-    } else {
-      json_ = nlohmann::ordered_json::object();
-    }
-    // Invalid UTF-8 comes out as U+FFFD when the record is written.
-    json_["input"] = bytes;
-  }
-
-  void refuse(std::size_t mark, std::string_view bytes, Refusal& refusal) {
-    ++refused_;
-    std::string& out = output_.text();
-    std::string line = "error: ";
-    line.append(refusal.catalogue).append(":").append(refusal.key).append(": ");
-    line += refusal.text;
-    switch (format_) {
-      case Format::detail: {
-        // What the handler printed before the refusal stays, and comes first
-        // (write_error writes standard output first).
-        line += '\n';
-        write_error(line);
-        break;
-      }
-      case Format::line: {
-        out.resize(mark);
-        append_escaped(out, bytes, Escape::bytes);
-        add_field(out, line);
-        out += '\n';
-        break;
-      }
-      case Format::json: {
-        out.resize(mark);
-        start_json(bytes);
-        json_["ok"] = false;
-        nlohmann::ordered_json error = nlohmann::ordered_json::object();
-        error["catalogue"] = std::string(refusal.catalogue);
-        error["key"] = std::string(refusal.key);
-        error["arguments"] = std::move(refusal.arguments);
-        error["message"] = std::move(refusal.text);
-        json_["error"] = std::move(error);
-        out += json_.dump(-1, ' ', false, json_dump_replace);
-        out += '\n';
-        break;
-      }
-    }
+  void write(std::string_view bytes) {
+    if (result_.error()) ++refused_;
+    renderer_.write(bytes, result_);
   }
 
   const Handler& handler_;
   const RefusalNote& note_;
-  Format format_;
-  Output& output_;
+  Renderer renderer_;
+  // Kept between inputs so that their storage is reused.
   krel::ustring text_;
-  nlohmann::ordered_json json_;
+  Result result_;
   std::uint64_t inputs_ = 0;
   std::uint64_t refused_ = 0;
   bool noted_ = false;
@@ -214,12 +131,7 @@ std::vector<std::string> group_arguments(const std::vector<std::string>& args,
       return args;
     case ArgGrouping::pairs: {
       if (args.size() % 2 != 0) {
-        throw InputError(
-            "OddArguments", nlohmann::ordered_json::array({args.size()}),
-            "the arguments are pairs <value> <size> (or give --size), but " +
-                std::to_string(args.size()) + " arguments were given",
-            "die Argumente sind Paare <Wert> <Größe> (oder --size angeben), aber es sind " +
-                std::to_string(args.size()) + " Argumente");
+        throw InputError("OddArguments", {std::uint64_t{args.size()}});
       }
       std::vector<std::string> inputs;
       for (std::size_t i = 0; i < args.size(); i += 2)
@@ -291,9 +203,7 @@ void select_message_locale(const std::string& name) {
 }
 
 std::string message_text(const resource_core::BaseMsgID& id) {
-  std::string text;
-  append_utf8(text, msgcat::format(id, message_locale()));
-  return text;
+  return krel::ustring_to_utf8_string(msgcat::format(id, message_locale()));
 }
 
 std::string message_line(const krel::MessageException& e) {
@@ -304,57 +214,33 @@ void report(const krel::MessageException& e) {
   write_error("error: " + message_line(e) + "\n");
 }
 
-InputError::InputError(std::string key, nlohmann::ordered_json arguments, const std::string& text,
-                       std::string text_de, bool usage)
-    : std::runtime_error(text),
-      key_(std::move(key)),
-      arguments_(std::move(arguments)),
-      text_de_(std::move(text_de)),
-      usage_(usage) {}
+InputError::InputError(std::string key, Arguments arguments, bool usage, Arguments details)
+    : std::runtime_error(std::string(tool_catalogue) + ":" + key),
+      id_{std::move(arguments), std::string(tool_catalogue), std::move(key)},
+      shown_arguments_(id_.arguments.size()),
+      usage_(usage) {
+  id_.arguments.insert(id_.arguments.end(), std::make_move_iterator(details.begin()),
+                       std::make_move_iterator(details.end()));
+}
+
+nlohmann::ordered_json InputError::arguments() const {
+  auto json = nlohmann::ordered_json::array();
+  for (std::size_t i = 0; i < shown_arguments_; ++i)
+    json.push_back(argument_json(id_.arguments[i]));
+  return json;
+}
 
 std::string InputError::text() const {
-  return msgcat::language_of(message_locale()) == "de" ? text_de_ : std::string(what());
+  return message_text(id_);
 }
 
-void append_utf8(std::string& out, std::u16string_view text) {
-  const std::size_t n = text.size();
-  for (std::size_t i = 0; i < n; ++i) {
-    char32_t c = text[i];
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-      continue;
-    }
-    if (c >= 0xD800 && c <= 0xDFFF) {
-      if (c <= 0xDBFF && i + 1 < n && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
-        c = 0x10000 + ((c - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-        ++i;
-      } else {
-        c = 0xFFFD;  // a lone surrogate
-      }
-    }
-    if (c < 0x800) {
-      out += static_cast<char>(0xC0 | (c >> 6));
-    } else if (c < 0x10000) {
-      out += static_cast<char>(0xE0 | (c >> 12));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (c >> 18));
-      out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    }
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
+std::string tool_text(std::string key, InputError::Arguments arguments) {
+  return message_text(
+      resource_core::BaseMsgID{std::move(arguments), std::string(tool_catalogue), std::move(key)});
 }
 
-void append_quoted(std::string& out, std::u16string_view text) {
-  out += '\'';
-  append_utf8(out, text);
-  out += '\'';
-}
-
-void add_field(std::string& line, std::string_view text) {
-  line += '\t';
-  append_escaped(line, text, Escape::field);
+std::string quoted(const krel::ustring& text) {
+  return "'" + krel::ustring_to_utf8_string(text) + "'";
 }
 
 namespace {
@@ -431,7 +317,7 @@ int run_inputs(const InputOptions& options, const Handler& handler, const Refusa
     use_stdin = options.args.empty() || (options.args.size() == 1 && options.args[0] == "-");
   }
   const bool from_args = options.file.empty() && !use_stdin;
-  const Format format = options.json ? Format::json : from_args ? Format::detail : Format::line;
+  const Format format = options.json ? Format::json : from_args ? Format::report : Format::line;
 
   if (from_args) {
     std::vector<std::string> grouped;
@@ -483,13 +369,7 @@ int run_inputs(const InputOptions& options, const Handler& handler, const Refusa
     refused = runner.refused();
   }
   if (refused > 0) {
-    const std::string counts = std::to_string(refused) +
-                               (msgcat::language_of(message_locale()) == "de" ? " von " : " of ") +
-                               std::to_string(inputs);
-    write_error(msgcat::language_of(message_locale()) == "de"
-                    ? "ui-core: " + counts + (inputs == 1 ? " Eingabe" : " Eingaben") +
-                          " abgelehnt\n"
-                    : "ui-core: " + counts + (inputs == 1 ? " input" : " inputs") + " refused\n");
+    write_error("ui-core: " + tool_text("InputsRefused", {refused, inputs}) + "\n");
     if (code == exit_ok) code = exit_refused;
   }
   return code;

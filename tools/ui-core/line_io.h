@@ -18,34 +18,7 @@
 #include <string_view>
 #include <vector>
 
-#include "krel/ustring.h"
-
 namespace ui_core_tool {
-
-/// Decodes strict UTF-8 (no overlong forms, no surrogates, nothing above
-/// U+10FFFF) into `out`, replacing its content. Returns the offset of the
-/// first byte that does not start a valid sequence, or std::string_view::npos
-/// when the whole text is valid.
-std::size_t decode_utf8(std::string_view bytes, krel::ustring& out);
-
-/// Which bytes append_escaped writes as escapes.
-enum class Escape {
-  /// TAB, CR, LF and NUL as \t \r \n \0: a text that stays within one
-  /// TAB-separated field of one line.
-  field,
-  /// As `field`, and also a backslash as \\ and every byte that is not part
-  /// of a valid UTF-8 sequence as \xNN (two lower-case hex digits): the text
-  /// reads back as exactly the bytes given.
-  bytes,
-};
-
-/// Appends `text` with the escapes `escape` selects; every other byte is
-/// copied as it is. The one escaping of the tool: echoed inputs, result
-/// fields of the line format, and bytes shown in messages.
-void append_escaped(std::string& out, std::string_view text, Escape escape);
-
-/// The bytes as append_escaped(..., Escape::bytes) writes them.
-[[nodiscard]] std::string escaped(std::string_view bytes);
 
 /// A write to standard output or standard error failed.
 class OutputError : public std::runtime_error {

@@ -19,6 +19,7 @@
 
 #include "command.h"
 #include "line_io.h"
+#include "render.h"
 #include "ui/core/version.h"
 
 namespace ui_core_tool {
@@ -239,18 +240,14 @@ int CommandLine::run(const std::vector<std::string>& words, int input_fd) {
 krel::ustring from_arg(const std::string& arg) {
   // Converting would quietly turn bad bytes into U+FFFD and the tool would
   // answer for a text nobody typed, so such an argument is refused instead.
-  krel::ustring text;
-  if (decode_utf8(arg, text) != std::string_view::npos) {
+  if (first_invalid_utf8(arg) != std::string_view::npos) {
     throw std::runtime_error("the argument '" + escaped(arg) + "' is not valid UTF-8");
   }
-  return text;
+  return krel::utf8_string_to_ustring(arg);
 }
 
 std::string to_out(const krel::ustring& text) {
-  std::string out;
-  out.reserve(text.size());
-  append_utf8(out, text);
-  return out;
+  return krel::ustring_to_utf8_string(text);
 }
 
 }  // namespace ui_core_tool

@@ -17,84 +17,35 @@ namespace {
 using ui::core::NodeId;
 using ui::core::NodePath;
 
-void describe(const Input& input, Record& out, const std::optional<NodePath>& base) {
+void describe(const Input& input, Result& out, const std::optional<NodePath>& base) {
   std::optional<NodePath> parsed;
   try {
     parsed.emplace(input.text);
   } catch (const krel::MessageException&) {
-    if (out.format == Format::detail) {
-      append_quoted(out.text, input.text);
-      out.text += " is not a valid node path\n";
-    }
+    out.report(quoted(input.text) + " is not a valid node path");
     throw;
   }
   const NodePath& path = *parsed;
-  std::optional<NodePath> rest;
-  if (base) rest = ui::core::relpath(path, *base);
-
-  switch (out.format) {
-    case Format::detail: {
-      std::string& s = out.text;
-      append_quoted(s, input.text);
-      s += " is a valid node path with ";
-      s += std::to_string(path.size());
-      s += path.size() == 1 ? " identifier\n" : " identifiers\n";
-      std::size_t n = 0;
-      for (const NodeId& id : path) {
-        s += "  id ";
-        s += std::to_string(++n);
-        s += ": ";
-        append_quoted(s, id.ustring());
-        s += '\n';
-      }
-      s += "  text form: ";
-      append_quoted(s, path.ustring());
-      s += '\n';
-      if (base) {
-        s += "  relative to ";
-        append_quoted(s, base->ustring());
-        s += ": ";
-        if (rest) {
-          append_quoted(s, rest->ustring());
-        } else {
-          s += "not a prefix";
-        }
-        s += '\n';
-      }
-      break;
-    }
-    case Format::line: {
-      std::string s = std::to_string(path.size());
-      s += path.size() == 1 ? " identifier" : " identifiers";
-      const char* separator = ": ";
-      for (const NodeId& id : path) {
-        s += separator;
-        separator = " ";
-        append_quoted(s, id.ustring());
-      }
-      add_field(out.text, s);
-      if (base) {
-        s = "relative: ";
-        if (rest) {
-          append_quoted(s, rest->ustring());
-        } else {
-          s += "not a prefix";
-        }
-        add_field(out.text, s);
-      }
-      break;
-    }
-    case Format::json: {
-      auto ids = nlohmann::ordered_json::array();
-      for (const NodeId& id : path) ids.push_back(to_out(id.ustring()));
-      out.json["ids"] = std::move(ids);
-      out.json["text"] = to_out(path.ustring());
-      if (base) {
-        out.json["relative"] =
-            rest ? nlohmann::ordered_json(to_out(rest->ustring())) : nlohmann::ordered_json();
-      }
-      break;
-    }
+  const char* const noun = path.size() == 1 ? " identifier" : " identifiers";
+  std::string report =
+      quoted(input.text) + " is a valid node path with " + std::to_string(path.size()) + noun;
+  std::string line = std::to_string(path.size()) + noun;
+  auto ids = nlohmann::ordered_json::array();
+  const char* separator = ": ";
+  for (const NodeId& id : path) {
+    report += "\n  id " + std::to_string(ids.size() + 1) + ": " + quoted(id.ustring());
+    line += separator + quoted(id.ustring());
+    separator = " ";
+    ids.push_back(to_out(id.ustring()));
+  }
+  out.add({"ids", std::move(ids), std::move(report), std::move(line)});
+  out.add({"text", to_out(path.ustring()), "  text form: " + quoted(path.ustring()), std::nullopt});
+  if (base) {
+    const std::optional<NodePath> rest = ui::core::relpath(path, *base);
+    const std::string shown = rest ? quoted(rest->ustring()) : std::string("not a prefix");
+    out.add({"relative",
+             rest ? nlohmann::ordered_json(to_out(rest->ustring())) : nlohmann::ordered_json(),
+             "  relative to " + quoted(base->ustring()) + ": " + shown, "relative: " + shown});
   }
 }
 
@@ -118,7 +69,7 @@ void setup_node_path(CLI::App& app, CommandState& state) {
       base = read_option("--relative-to", [&] { return NodePath(from_arg(**base_text)); });
     }
     state.exit_code =
-        run_inputs(*io, [&base](const Input& input, Record& out) { describe(input, out, base); });
+        run_inputs(*io, [&base](const Input& input, Result& out) { describe(input, out, base); });
   });
 }
 

@@ -19,81 +19,48 @@ using ui::core::ObjectPath;
 using ui::core::ObjectPathElement;
 using ui::core::ObjectPathSubscript;
 
-void append_values(std::string& s, const ObjectPathSubscript& subscript) {
+std::string values_text(const ObjectPathSubscript& subscript) {
+  std::string s;
   for (std::size_t k = 0; k < subscript.size(); ++k) {
     if (k != 0) s += ' ';
     s += std::to_string(subscript(k));
   }
+  return s;
 }
 
-void write_path(Record& out, const ObjectPath& path) {
-  switch (out.format) {
-    case Format::detail: {
-      std::string& s = out.text;
-      s += "elements: " + std::to_string(path.size()) + "\n";
-      std::size_t i = 0;
-      for (const ObjectPathElement& e : path) {
-        s += "  [" + std::to_string(i++) + "] ";
-        s += e.as_subscript() != nullptr ? "subscript " : "name      ";
-        append_utf8(s, ui::core::to_string(e));
-        s += "  (hash " + std::to_string(ui::core::hash_value(e)) + ")\n";
-      }
-      s += "text form: ";
-      append_utf8(s, static_cast<krel::ustring>(path));
-      s += '\n';
-      break;
+void add_path(Result& out, const ObjectPath& path) {
+  const char* const noun = path.size() == 1 ? " element" : " elements";
+  std::string report = "elements: " + std::to_string(path.size());
+  std::string line = std::to_string(path.size()) + noun;
+  auto elements = nlohmann::ordered_json::array();
+  const char* separator = ": ";
+  for (const ObjectPathElement& e : path) {
+    const ObjectPathSubscript* subscript = e.as_subscript();
+    const krel::ustring text = ui::core::to_string(e);
+    report += "\n  [" + std::to_string(elements.size()) + "] ";
+    report += subscript != nullptr ? "subscript " : "name      ";
+    report += to_out(text) + "  (hash " + std::to_string(ui::core::hash_value(e)) + ")";
+    line += separator;
+    separator = "; ";
+    line += (subscript != nullptr ? "subscript " : "name ") + quoted(text);
+    auto element = nlohmann::ordered_json::object();
+    if (subscript != nullptr) {
+      element["kind"] = "subscript";
+      element["values"] = values_json(*subscript);
+      element["text"] = to_out(static_cast<krel::ustring>(*subscript));
+    } else {
+      element["kind"] = "name";
+      element["name"] = to_out(text);
     }
-    case Format::line: {
-      std::string s = std::to_string(path.size());
-      s += path.size() == 1 ? " element" : " elements";
-      const char* separator = ": ";
-      for (const ObjectPathElement& e : path) {
-        s += separator;
-        separator = "; ";
-        s += e.as_subscript() != nullptr ? "subscript " : "name ";
-        append_quoted(s, ui::core::to_string(e));
-      }
-      add_field(out.text, s);
-      break;
-    }
-    case Format::json: {
-      auto elements = nlohmann::ordered_json::array();
-      for (const ObjectPathElement& e : path) {
-        auto element = nlohmann::ordered_json::object();
-        if (const ObjectPathSubscript* subscript = e.as_subscript()) {
-          element["kind"] = "subscript";
-          element["values"] = values_json(*subscript);
-          element["text"] = to_out(static_cast<krel::ustring>(*subscript));
-        } else {
-          element["kind"] = "name";
-          element["name"] = to_out(ui::core::to_string(e));
-        }
-        elements.push_back(std::move(element));
-      }
-      out.json["elements"] = std::move(elements);
-      out.json["text"] = to_out(static_cast<krel::ustring>(path));
-      break;
-    }
+    elements.push_back(std::move(element));
   }
+  out.add({"elements", std::move(elements), std::move(report), std::move(line)});
+  const std::string text = to_out(static_cast<krel::ustring>(path));
+  out.add({"text", text, "text form: " + text, std::nullopt});
 }
 
-void write_rest(Record& out, const krel::ustring& rest) {
-  switch (out.format) {
-    case Format::detail:
-      out.text += "rest: ";
-      append_utf8(out.text, rest);
-      out.text += '\n';
-      break;
-    case Format::line: {
-      std::string s = "rest: ";
-      append_quoted(s, rest);
-      add_field(out.text, s);
-      break;
-    }
-    case Format::json:
-      out.json["rest"] = to_out(rest);
-      break;
-  }
+void add_rest(Result& out, const krel::ustring& rest) {
+  out.add({"rest", to_out(rest), "rest: " + to_out(rest), "rest: " + quoted(rest)});
 }
 
 void setup_object_path(CLI::App& app, CommandState& state) {
@@ -116,20 +83,16 @@ void setup_object_path(CLI::App& app, CommandState& state) {
   cmd->add_flag("--names-only", opts->names_only,
                 "Accept names only; a subscript segment ends the path");
   cmd->callback([opts, io, &state] {
-    state.exit_code = run_inputs(*io, [opts](const Input& input, Record& out) {
-      if (out.format == Format::detail) {
-        out.text += "input: ";
-        out.text.append(input.bytes);
-        out.text += '\n';
-      }
+    state.exit_code = run_inputs(*io, [opts](const Input& input, Result& out) {
+      out.report("input: " + std::string(input.bytes));
       if (opts->partial) {
         const auto [path, rest] = opts->names_only ? ui::core::to_partial_name_path(input.text)
                                                    : ui::core::to_partial_path(input.text);
-        write_path(out, path);
-        write_rest(out, rest);
+        add_path(out, path);
+        add_rest(out, rest);
       } else {
-        write_path(out, opts->names_only ? ui::core::to_name_path(input.text)
-                                         : ui::core::to_object_path(input.text));
+        add_path(out, opts->names_only ? ui::core::to_name_path(input.text)
+                                       : ui::core::to_object_path(input.text));
       }
     });
   });
@@ -146,41 +109,18 @@ void setup_subscript(CLI::App& app, CommandState& state) {
   cmd->callback([io, &state] {
     // Several arguments each get a heading; a single one prints its report alone.
     const bool headings = io->args.size() > 1;
-    state.exit_code = run_inputs(*io, [headings](const Input& input, Record& out) {
+    state.exit_code = run_inputs(*io, [headings](const Input& input, Result& out) {
       const ObjectPathSubscript subscript(input.text);
-      switch (out.format) {
-        case Format::detail: {
-          std::string& s = out.text;
-          if (headings) {
-            s += "input: ";
-            s.append(input.bytes);
-            s += '\n';
-          }
-          s += "count: " + std::to_string(subscript.size()) + "\nvalues:";
-          for (std::size_t k = 0; k < subscript.size(); ++k) {
-            s += ' ';
-            s += std::to_string(subscript(k));
-          }
-          s += "\ntext form: ";
-          append_utf8(s, static_cast<krel::ustring>(subscript));
-          s += "\nhash: " + std::to_string(ui::core::hash_value(ObjectPathElement(subscript))) +
-               "\n";
-          break;
-        }
-        case Format::line: {
-          std::string s = "values: ";
-          append_values(s, subscript);
-          add_field(out.text, s);
-          s = "text: ";
-          append_quoted(s, static_cast<krel::ustring>(subscript));
-          add_field(out.text, s);
-          break;
-        }
-        case Format::json:
-          out.json["values"] = values_json(subscript);
-          out.json["text"] = to_out(static_cast<krel::ustring>(subscript));
-          break;
-      }
+      const std::string text = to_out(static_cast<krel::ustring>(subscript));
+      if (headings) out.report("input: " + std::string(input.bytes));
+      out.add({"values", values_json(subscript),
+               "count: " + std::to_string(subscript.size()) +
+                   "\nvalues:" + (subscript.size() != 0 ? " " : "") + values_text(subscript),
+               "values: " + values_text(subscript)});
+      out.add({"text", text,
+               "text form: " + text +
+                   "\nhash: " + std::to_string(ui::core::hash_value(ObjectPathElement(subscript))),
+               "text: " + quoted(static_cast<krel::ustring>(subscript))});
     });
   });
 }

@@ -33,23 +33,19 @@ std::optional<std::uint32_t> parse_number(std::string_view text) {
 
 // FILE:LINE:COL, split at the last two colons so that FILE may hold colons.
 krel::Location parse_location(std::string_view text) {
-  const std::string shown(text);
   const std::size_t col_colon = text.rfind(':');
   const std::size_t line_colon = col_colon == std::string_view::npos || col_colon == 0
                                      ? std::string_view::npos
                                      : text.rfind(':', col_colon - 1);
-  if (line_colon == std::string_view::npos) {
-    throw InputError("InvalidLocation", nlohmann::ordered_json::array({shown}),
-                     "expected FILE:LINE:COL, got '" + shown + "'",
-                     "erwartet wird DATEI:ZEILE:SPALTE, nicht '" + shown + "'");
-  }
+  // One key for both problems; the text says which part is wrong.
+  const auto refuse = [text](const char16_t* problem) {
+    return InputError("InvalidLocation", {krel::utf8_string_to_ustring(text)}, true,
+                      {krel::ustring(problem)});
+  };
+  if (line_colon == std::string_view::npos) throw refuse(u"form");
   const auto line = parse_number(text.substr(line_colon + 1, col_colon - line_colon - 1));
   const auto column = parse_number(text.substr(col_colon + 1));
-  if (!line || !column) {
-    throw InputError("InvalidLocation", nlohmann::ordered_json::array({shown}),
-                     "LINE and COL must be whole numbers below 2^32, in '" + shown + "'",
-                     "ZEILE und SPALTE müssen ganze Zahlen unter 2^32 sein, in '" + shown + "'");
-  }
+  if (!line || !column) throw refuse(u"range");
   return krel::Location(from_arg(std::string(text.substr(0, line_colon))), *line, *column);
 }
 
@@ -116,7 +112,7 @@ void setup_source(CLI::App& app, CommandState& state) {
     }
     state.exit_code = run_inputs(
         *io,
-        [key_kind](const Input& input, Record& out) {
+        [key_kind](const Input& input, Result& out) {
           boost::shared_ptr<ui::core::Source> source;
           switch (key_kind) {
             case Kind::location:
@@ -129,32 +125,17 @@ void setup_source(CLI::App& app, CommandState& state) {
               source = ui::core::create_source(krel::DravikId(input.text), true);
               break;
           }
-          std::string printed;
-          if (source) {
-            std::ostringstream os;
-            os << *source;
-            printed = os.str();
+          static constexpr const char* kinds[] = {"location", "block", "dialog"};
+          out.json("kind", kinds[static_cast<int>(key_kind)]);
+          if (!source) {
+            out.add(
+                {"source", nullptr, "(the service made no source for this key)", "(no source)"});
+            return;
           }
-          switch (out.format) {
-            case Format::detail:
-              out.text += source ? printed : "(the service made no source for this key)";
-              out.text += '\n';
-              break;
-            case Format::line:
-              add_field(out.text, source ? printed : "(no source)");
-              break;
-            case Format::json: {
-              static constexpr const char* kinds[] = {"location", "block", "dialog"};
-              out.json["kind"] = kinds[static_cast<int>(key_kind)];
-              if (source) {
-                out.json["source"] = printed;
-                out.json["description"] = to_out(source->description());
-              } else {
-                out.json["source"] = nullptr;
-              }
-              break;
-            }
-          }
+          std::ostringstream os;
+          os << *source;
+          out.text("source", os.str());
+          out.json("description", to_out(source->description()));
         },
         &note_bundle_search);
   });

@@ -19,6 +19,7 @@
 
 #include "command.h"
 #include "line_io.h"
+#include "render.h"
 #include "ui/core/enumerations.h"
 #include "ui/core/errors.h"
 #include "ui/core/text_utils.h"
@@ -27,16 +28,6 @@ namespace ui_core_tool {
 namespace {
 
 using ui::core::ustring;
-
-// How many bytes a UTF-8 sequence that starts with `lead` claims, or 0 when
-// `lead` cannot start one (a continuation byte or a byte never used).
-std::size_t sequence_length(unsigned char lead) noexcept {
-  if (lead < 0x80) return 1;
-  if (lead >= 0xC2 && lead <= 0xDF) return 2;
-  if (lead >= 0xE0 && lead <= 0xEF) return 3;
-  if (lead >= 0xF0 && lead <= 0xF4) return 4;
-  return 0;
-}
 
 // Where the bytes in `buffer` can be cut so that no UTF-8 sequence is split:
 // a sequence whose lead byte is among the last four bytes and whose claimed
@@ -50,7 +41,7 @@ std::size_t complete_prefix(std::string_view buffer) noexcept {
   for (std::size_t back = 1; back <= 4 && back <= n; ++back) {
     const auto byte = static_cast<unsigned char>(buffer[n - back]);
     if ((byte & 0xC0) == 0x80) continue;  // a continuation byte: look further back
-    const std::size_t claimed = sequence_length(byte);
+    const std::size_t claimed = utf8_sequence_length(byte);
     return claimed > back ? n - back : n;
   }
   return n;
@@ -96,20 +87,8 @@ void add_text_command(CLI::App& app, CommandState& state, const std::string& nam
   CLI::App* cmd = app.add_subcommand(name, description);
   auto io = add_inputs(cmd, state, help);
   cmd->callback([io, json_field, function, &state] {
-    state.exit_code = run_inputs(*io, [&json_field, function](const Input& input, Record& out) {
-      const ustring result = function(input.text);
-      switch (out.format) {
-        case Format::detail:
-          append_utf8(out.text, result);
-          out.text += '\n';
-          break;
-        case Format::line:
-          add_field(out.text, to_out(result));
-          break;
-        case Format::json:
-          out.json[json_field] = to_out(result);
-          break;
-      }
+    state.exit_code = run_inputs(*io, [&json_field, function](const Input& input, Result& out) {
+      out.text(json_field, to_out(function(input.text)));
     });
   });
 }
@@ -157,20 +136,8 @@ void setup_text(CLI::App& app, CommandState& state) {
       const bool from_args =
           io->file.empty() && !io->args.empty() && !(io->args.size() == 1 && io->args[0] == "-");
       if (io->json || from_args || (!io->file.empty() && !io->args.empty())) {
-        state.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
-          const ustring escaped = ui::core::escape_xml(input.text);
-          switch (out.format) {
-            case Format::detail:
-              append_utf8(out.text, escaped);
-              out.text += '\n';
-              break;
-            case Format::line:
-              add_field(out.text, to_out(escaped));
-              break;
-            case Format::json:
-              out.json["escaped"] = to_out(escaped);
-              break;
-          }
+        state.exit_code = run_inputs(*io, [](const Input& input, Result& out) {
+          out.text("escaped", to_out(ui::core::escape_xml(input.text)));
         });
         return;
       }
@@ -202,19 +169,8 @@ void setup_text(CLI::App& app, CommandState& state) {
                           "  ui-core access --json --file access.txt\n"
                           "  ui-core access --locale de_DE.UTF-8 intern\n"});
     cmd->callback([io, &state] {
-      state.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
-        const std::string text = to_out(ui::core::to_user_string(ui::core::to_access(input.text)));
-        switch (out.format) {
-          case Format::detail:
-            out.text += text + "\n";
-            break;
-          case Format::line:
-            add_field(out.text, text);
-            break;
-          case Format::json:
-            out.json["access"] = text;
-            break;
-        }
+      state.exit_code = run_inputs(*io, [](const Input& input, Result& out) {
+        out.text("access", to_out(ui::core::to_user_string(ui::core::to_access(input.text))));
       });
     });
   }
@@ -228,22 +184,13 @@ void setup_text(CLI::App& app, CommandState& state) {
                           "  ui-core unit-conversion-type relative Relative\n"
                           "  ui-core unit-conversion-type --locale de --json delta\n"});
     cmd->callback([io, &state] {
-      state.exit_code = run_inputs(*io, [](const Input& input, Record& out) {
+      state.exit_code = run_inputs(*io, [](const Input& input, Result& out) {
         const ui::core::UnitConversionType type = ui::core::to_unit_conversion_type(input.text);
         const std::string text = unit_conversion_text(type);
         const auto value = static_cast<std::int32_t>(type);
-        switch (out.format) {
-          case Format::detail:
-            out.text += text + " (" + std::to_string(value) + ")\n";
-            break;
-          case Format::line:
-            add_field(out.text, text + " (" + std::to_string(value) + ")");
-            break;
-          case Format::json:
-            out.json["type"] = text;
-            out.json["value"] = value;
-            break;
-        }
+        const std::string shown = text + " (" + std::to_string(value) + ")";
+        out.add({"type", text, shown, shown});
+        out.json("value", value);
       });
     });
   }

@@ -15,6 +15,7 @@
 
 #include "command.h"
 #include "line_io.h"
+#include "render.h"
 #include "ui/core/unit_conversion.h"
 #include "units2/core/context.h"
 #include "units2/core/conversion.h"
@@ -93,49 +94,37 @@ UnitReport work_out(const krel::ustring& text, const std::optional<units::Expr>&
   return r;
 }
 
-// The report's lines, as `ui-core unit` prints them one per line.
-std::vector<std::string> report_lines(const UnitReport& r) {
-  std::vector<std::string> lines;
-  lines.push_back("text: " + r.text);
-  lines.push_back(std::string("affine: ") + (r.affine ? "yes" : "no"));
-  lines.push_back("base: 1 " + r.text + " = " + exact_and_decimal(r.scale) + " " + r.base_text);
-  if (r.zero) lines.push_back("zero: " + exact_and_decimal(*r.zero) + " " + r.base_text);
-  if (r.to) {
-    lines.push_back("to: " + r.to->text + " (" + (r.to->linear ? "linear" : "affine") +
-                    ": y = factor*x + offset)");
-    lines.push_back("factor: " + exact_and_decimal(r.to->factor));
-    lines.push_back("offset: " + exact_and_decimal(r.to->offset));
-  }
-  lines.push_back((r.nonaffine ? "nonaffine display: " : "display: ") + r.display);
-  return lines;
+// Each line of the report is one field of the line form.
+void add_line(Result& out, std::string name, nlohmann::ordered_json json, const std::string& line) {
+  out.add({std::move(name), std::move(json), line, line});
 }
 
-void write_report(const UnitReport& r, Record& out) {
-  switch (out.format) {
-    case Format::detail:
-      for (const std::string& line : report_lines(r)) out.text += line + "\n";
-      break;
-    case Format::line:
-      for (const std::string& line : report_lines(r)) add_field(out.text, line);
-      break;
-    case Format::json: {
-      out.json["text"] = r.text;
-      out.json["affine"] = r.affine;
-      out.json["scale"] = exact(r.scale);
-      out.json["base"] = r.base_text;
-      if (r.zero) out.json["zero"] = to_string(*r.zero);
-      if (r.to) {
-        auto to = nlohmann::ordered_json::object();
-        to["text"] = r.to->text;
-        to["mode"] = r.to->linear ? "linear" : "affine";
-        to["factor"] = to_string(r.to->factor);
-        to["offset"] = to_string(r.to->offset);
-        out.json["to"] = std::move(to);
-      }
-      out.json[r.nonaffine ? "nonaffine_display" : "display"] = r.display;
-      break;
-    }
+void add_report(const UnitReport& r, Result& out) {
+  add_line(out, "text", r.text, "text: " + r.text);
+  add_line(out, "affine", r.affine, std::string("affine: ") + (r.affine ? "yes" : "no"));
+  add_line(out, "scale", exact(r.scale),
+           "base: 1 " + r.text + " = " + exact_and_decimal(r.scale) + " " + r.base_text);
+  out.json("base", r.base_text);
+  if (r.zero) {
+    add_line(out, "zero", to_string(*r.zero),
+             "zero: " + exact_and_decimal(*r.zero) + " " + r.base_text);
   }
+  if (r.to) {
+    const std::string mode = r.to->linear ? "linear" : "affine";
+    auto to = nlohmann::ordered_json::object();
+    to["text"] = r.to->text;
+    to["mode"] = mode;
+    to["factor"] = to_string(r.to->factor);
+    to["offset"] = to_string(r.to->offset);
+    add_line(out, "to", std::move(to),
+             "to: " + r.to->text + " (" + mode + ": y = factor*x + offset)");
+    const std::string factor = "factor: " + exact_and_decimal(r.to->factor);
+    const std::string offset = "offset: " + exact_and_decimal(r.to->offset);
+    out.add({"factor", std::nullopt, factor, factor});
+    out.add({"offset", std::nullopt, offset, offset});
+  }
+  add_line(out, r.nonaffine ? "nonaffine_display" : "display", r.display,
+           (r.nonaffine ? "nonaffine display: " : "display: ") + r.display);
 }
 
 // "all", "none" or the symbols ("M G"): the prefixes a unit takes.
@@ -269,14 +258,10 @@ void setup_unit(CLI::App& app, CommandState& state) {
       });
     }
     const bool headings = io->args.size() > 1;
-    state.exit_code = run_inputs(*io, [opts, &to, headings](const Input& input, Record& out) {
+    state.exit_code = run_inputs(*io, [opts, &to, headings](const Input& input, Result& out) {
       const UnitReport r = work_out(input.text, to, opts->nonaffine);
-      if (headings && out.format == Format::detail) {
-        out.text += "input: ";
-        out.text.append(input.bytes);
-        out.text += '\n';
-      }
-      write_report(r, out);
+      if (headings) out.report("input: " + std::string(input.bytes));
+      add_report(r, out);
     });
   });
 }

@@ -77,7 +77,7 @@ struct Context::Builder {
   boost::unordered_map<std::string, std::uint64_t> claimed;
 
   [[noreturn]] void fail(const std::string& reason) const {
-    detail::throw_message(detail::invalid_database(source, line, reason));
+    detail::throw_error(detail::MessageId::InvalidDatabase, source, line, reason);
   }
 
   static std::vector<std::string_view> fields(std::string_view text) {

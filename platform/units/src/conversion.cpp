@@ -17,14 +17,15 @@ Conversion conversion(const Expr& from, const Expr& to, ConversionMode mode) {
   const detail::ExprRep& b = detail::ExprAccess::rep(to);
   if (!a.valid || !b.valid) throw krel::MessageException(Expr::invalidMessage());
   if (mode != ConversionMode::affine && mode != ConversionMode::linear) {
-    detail::throw_message(detail::invalid_conversion_mode(static_cast<std::int64_t>(mode)));
+    detail::throw_error(detail::MessageId::InvalidConversionMode, static_cast<std::int64_t>(mode));
   }
   if (a.reduced.dimension != b.reduced.dimension) {
-    detail::throw_message(detail::not_commensurate(text_of(a), text_of(b)));
+    detail::throw_error(detail::MessageId::NotCommensurate, text_of(a), text_of(b));
   }
   const Magnitude ratio = a.reduced.scale / b.reduced.scale;
   if (!ratio.is_rational()) {
-    detail::throw_message(detail::inexact_conversion(text_of(a), text_of(b), ratio.to_string()));
+    detail::throw_error(detail::MessageId::InexactConversion, text_of(a), text_of(b),
+                        ratio.to_string());
   }
   ConversionRational offset;
   if (mode == ConversionMode::affine) {
@@ -32,8 +33,8 @@ Conversion conversion(const Expr& from, const Expr& to, ConversionMode mode) {
     const ConversionRational shift = a.reduced.offset - b.reduced.offset;
     if (!shift.isZero()) {
       if (!b.reduced.scale.is_rational()) {
-        detail::throw_message(detail::inexact_conversion(
-            text_of(a), text_of(b), (Magnitude(1) / b.reduced.scale).to_string()));
+        detail::throw_error(detail::MessageId::InexactConversion, text_of(a), text_of(b),
+                            (Magnitude(1) / b.reduced.scale).to_string());
       }
       offset = shift / b.reduced.scale.rational_part();
     }

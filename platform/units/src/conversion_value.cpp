@@ -79,7 +79,8 @@ std::optional<ConversionRational> parse_decimal(std::string_view text) {
 }  // namespace
 
 NonFiniteConversionValue::NonFiniteConversionValue()
-    : krel::MessageException(krel::Message(detail::non_finite_conversion_value())) {}
+    : krel::MessageException(
+          krel::Message(detail::make_error(detail::MessageId::NonFiniteConversionValue))) {}
 
 std::optional<ConversionRational> parse_exact_number(std::string_view text) {
   if (const auto slash = text.find('/'); slash != std::string_view::npos) {

@@ -337,9 +337,10 @@ std::variant<Reduced, MsgId> reduce(const Factors& factors, const UnitLookup& lo
   Reduced out;
   for (const auto& [id, exponent] : factors) {
     const Unit* unit = lookup(id.view());
-    if (unit == nullptr) return unknown_unit(text, id.view());
+    if (unit == nullptr) return make_error(MessageId::UnknownUnit, text, id.view());
     if (unit->affine()) {
-      if (factors.size() != 1 || !exponent.isOne()) return offset_unit_not_alone(text, id.view());
+      if (factors.size() != 1 || !exponent.isOne())
+        return make_error(MessageId::OffsetUnitNotAlone, text, id.view());
       out.offset = unit->offset;
     }
     out.dimension *= unit->dimension.pow(exponent);
@@ -388,7 +389,8 @@ std::variant<Factors, MsgId> canonical(const Factors& written, const std::vector
   Factors out;
   for (const auto& [spelling, exponent] : written) {
     if (const auto* readings = context.ambiguity(spelling.view())) {
-      return ambiguous_unit(text, spelling.view(), readings_text(context, *readings));
+      return make_error(MessageId::AmbiguousUnit, text, spelling.view(),
+                        readings_text(context, *readings));
     }
     const Unit* unit = context.lookup(spelling.view());
     if (unit != nullptr && std::find(micro.begin(), micro.end(), spelling) != micro.end() &&
@@ -397,9 +399,10 @@ std::variant<Factors, MsgId> canonical(const Factors& written, const std::vector
     }
     if (unit == nullptr) {
       if (std::find(micro.begin(), micro.end(), spelling) == micro.end()) {
-        return unknown_unit(text, spelling.view());
+        return make_error(MessageId::UnknownUnit, text, spelling.view());
       }
-      return unknown_unit(text, "\u00b5" + std::string(spelling.view().substr(1)));
+      return make_error(MessageId::UnknownUnit, text,
+                        "\u00b5" + std::string(spelling.view().substr(1)));
     }
     out *= Factors(unit->id, exponent);
   }
@@ -456,7 +459,8 @@ Expr::Expr(const ContextGetter& context, const krel::ustring& text)
     return;
   }
   if (const auto* failure = std::get_if<detail::ParseFailure>(&parsed)) {
-    rep.problem.emplace(detail::syntax_error(text, failure->position + 1));
+    rep.problem.emplace(detail::make_error(detail::MessageId::SyntaxError, text,
+                                           std::uint64_t{failure->position + 1}));
     return;
   }
   const detail::Parsed& written = std::get<detail::Parsed>(parsed);
@@ -494,7 +498,7 @@ const std::shared_ptr<const Context>& Expr::context() const noexcept {
 }
 
 krel::Message Expr::invalidMessage() {
-  return krel::Message(detail::invalid_expression());
+  return krel::Message(detail::make_error(detail::MessageId::InvalidExpression));
 }
 
 bool commensurate(const Expr& a, const Expr& b) noexcept {

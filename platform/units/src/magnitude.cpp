@@ -59,7 +59,7 @@ std::pair<ConversionRational, unsigned> perfect_power(const ConversionRational& 
 }
 
 void check_size(const ConversionRational& r) {
-  if (bits(r) > Magnitude::max_bits) detail::throw_message(detail::factor_too_large());
+  if (bits(r) > Magnitude::max_bits) detail::throw_error(detail::MessageId::FactorTooLarge);
 }
 
 // base^n, exactly. Throws FactorTooLarge, before computing, when the result
@@ -71,7 +71,8 @@ ConversionRational integer_power(const ConversionRational& base, ExponentValue n
   const unsigned long long magnitude =
       n < 0 ? 0ull - static_cast<unsigned long long>(n) : static_cast<unsigned long long>(n);
   const unsigned long long growth = bits(base) - 2ull;  // >= 1 for base != 1
-  if (magnitude > Magnitude::max_bits / growth) detail::throw_message(detail::factor_too_large());
+  if (magnitude > Magnitude::max_bits / growth)
+    detail::throw_error(detail::MessageId::FactorTooLarge);
   const auto e = static_cast<unsigned>(magnitude);
   ConversionRational out(cpp_int(boost::multiprecision::pow(base.numerator(), e)),
                          cpp_int(boost::multiprecision::pow(base.denominator(), e)));

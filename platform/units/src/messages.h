@@ -1,15 +1,23 @@
 // messages.h - the messages of the units library (private to src/)
 //
 // Every failure of the library is a krel::MessageException of the catalogue
-// "units2:core". One routine per message builds its identifier; throw_message
-// throws it.
+// "units2:core". The table below lists each message's key and the kinds of its
+// arguments in order; one throw helper builds the identifier and throws it,
+// and the arguments are checked against the table when the call is compiled:
+//
+//   detail::throw_error(detail::MessageId::NotCommensurate, from_text, to_text);
+//   detail::MsgId id = detail::make_error(detail::MessageId::InvalidExpression);
 
 #ifndef UNITS2_CORE_SRC_MESSAGES_H
 #define UNITS2_CORE_SRC_MESSAGES_H
 
+#include <array>
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "krel/message.h"
 #include "krel/ustring.h"
@@ -21,24 +29,136 @@ using MsgId = resource_core::BaseMsgID;
 
 inline constexpr std::string_view catalogue = "units2:core";
 
+/// Every message of the library, in the order of `messages`.
+enum class MessageId {
+  InvalidUnitId,
+  InvalidExpression,
+  SyntaxError,
+  UnknownUnit,
+  AmbiguousUnit,
+  OffsetUnitNotAlone,
+  NotCommensurate,
+  InexactConversion,
+  InvalidConversionMode,
+  FactorTooLarge,
+  NonFiniteExponent,
+  NonFiniteConversionValue,
+  InvalidDatabase,
+};
+
+/// What a message argument is: a text (UTF-16, or UTF-8 that is widened), an
+/// unsigned count, or a signed integer.
+enum class ArgKind { text, count, integer };
+
+/// One row of the message table: the key, and the kinds of the first
+/// `arguments` arguments.
+struct MessageRow {
+  MessageId id;
+  std::string_view key;
+  std::size_t arguments;
+  std::array<ArgKind, 3> kinds;
+};
+
+template <ArgKind... kinds>
+consteval MessageRow message_row(MessageId id, std::string_view key) {
+  static_assert(sizeof...(kinds) <= 3, "a message has at most three arguments");
+  return MessageRow{id, key, sizeof...(kinds), {kinds...}};
+}
+
+inline constexpr std::array<MessageRow, 13> messages{{
+    message_row<ArgKind::text>(MessageId::InvalidUnitId, "InvalidUnitId"),
+    message_row<>(MessageId::InvalidExpression, "InvalidExpression"),
+    message_row<ArgKind::text, ArgKind::count>(MessageId::SyntaxError, "SyntaxError"),
+    message_row<ArgKind::text, ArgKind::text>(MessageId::UnknownUnit, "UnknownUnit"),
+    message_row<ArgKind::text, ArgKind::text, ArgKind::text>(MessageId::AmbiguousUnit,
+                                                             "AmbiguousUnit"),
+    message_row<ArgKind::text, ArgKind::text>(MessageId::OffsetUnitNotAlone, "OffsetUnitNotAlone"),
+    message_row<ArgKind::text, ArgKind::text>(MessageId::NotCommensurate, "NotCommensurate"),
+    message_row<ArgKind::text, ArgKind::text, ArgKind::text>(MessageId::InexactConversion,
+                                                             "InexactConversion"),
+    message_row<ArgKind::integer>(MessageId::InvalidConversionMode, "InvalidConversionMode"),
+    message_row<>(MessageId::FactorTooLarge, "FactorTooLarge"),
+    message_row<>(MessageId::NonFiniteExponent, "NonFiniteExponent"),
+    message_row<>(MessageId::NonFiniteConversionValue, "NonFiniteConversionValue"),
+    message_row<ArgKind::text, ArgKind::count, ArgKind::text>(MessageId::InvalidDatabase,
+                                                              "InvalidDatabase"),
+}};
+
+consteval bool messages_in_enum_order() {
+  for (std::size_t i = 0; i < messages.size(); ++i) {
+    if (static_cast<std::size_t>(messages[i].id) != i) return false;
+  }
+  return true;
+}
+static_assert(messages_in_enum_order(), "the message table must list MessageId in order");
+
+/// The kind of argument a C++ type gives, or none.
+template <class Arg>
+inline constexpr bool is_count_arg = std::same_as<Arg, std::uint64_t>;
+template <class Arg>
+inline constexpr bool is_integer_arg = std::same_as<Arg, std::int64_t>;
+template <class Arg>
+inline constexpr bool is_text_arg = std::convertible_to<const Arg&, std::string_view> ||
+                                    std::convertible_to<const Arg&, const krel::ustring&>;
+
+// Not constexpr: reached while checking a call exactly when the arguments do
+// not match the table, which makes the call fail to compile with this name in
+// the error.
+void arguments_do_not_match_the_message_table();
+
+/// A MessageId whose row has arguments of exactly the kinds of Args, in order.
+/// It is made only while compiling, from a MessageId written at the call.
+template <class... Args>
+class CheckedMessageId {
+ public:
+  // Implicit, so that a call reads throw_error(MessageId::FactorTooLarge).
+  consteval CheckedMessageId(MessageId message) : id_(message) {
+    const MessageRow& row = messages[static_cast<std::size_t>(message)];
+    constexpr std::array<bool, sizeof...(Args)> counts{is_count_arg<Args>...};
+    constexpr std::array<bool, sizeof...(Args)> integers{is_integer_arg<Args>...};
+    constexpr std::array<bool, sizeof...(Args)> texts{is_text_arg<Args>...};
+    if (row.arguments != sizeof...(Args)) arguments_do_not_match_the_message_table();
+    for (std::size_t i = 0; i < sizeof...(Args); ++i) {
+      const bool fits = row.kinds[i] == ArgKind::count     ? counts[i]
+                        : row.kinds[i] == ArgKind::integer ? integers[i]
+                                                           : texts[i];
+      if (!fits) arguments_do_not_match_the_message_table();
+    }
+  }
+  [[nodiscard]] constexpr MessageId id() const noexcept { return id_; }
+
+ private:
+  MessageId id_;
+};
+
+/// The identifier of `id`'s message with no arguments.
+[[nodiscard]] MsgId message_id(MessageId id);
+
+// The arguments of a message, appended in order.
+void append_argument(MsgId& msg, std::uint64_t count);
+void append_argument(MsgId& msg, std::int64_t value);
+void append_argument(MsgId& msg, const krel::ustring& text);
+void append_argument(MsgId& msg, std::string_view utf8);  // widened to UTF-16
+
+/// Throws krel::MessageException carrying `id`.
 [[noreturn]] void throw_message(MsgId id);
 
-[[nodiscard]] MsgId invalid_unit_id(std::string_view text);
-[[nodiscard]] MsgId invalid_expression();
-[[nodiscard]] MsgId syntax_error(const krel::ustring& text, std::uint64_t position);
-[[nodiscard]] MsgId unknown_unit(const krel::ustring& text, std::string_view id);
-[[nodiscard]] MsgId ambiguous_unit(const krel::ustring& text, std::string_view spelling,
-                                   std::string_view readings);
-[[nodiscard]] MsgId offset_unit_not_alone(const krel::ustring& text, std::string_view id);
-[[nodiscard]] MsgId not_commensurate(const krel::ustring& from, const krel::ustring& to);
-[[nodiscard]] MsgId inexact_conversion(const krel::ustring& from, const krel::ustring& to,
-                                       std::string_view factor);
-[[nodiscard]] MsgId invalid_conversion_mode(std::int64_t mode);
-[[nodiscard]] MsgId factor_too_large();
-[[nodiscard]] MsgId non_finite_exponent();
-[[nodiscard]] MsgId non_finite_conversion_value();
-[[nodiscard]] MsgId invalid_database(std::string_view source, std::uint64_t line,
-                                     std::string_view reason);
+/// The identifier of `id`'s message carrying `args`, for a caller that keeps
+/// it or builds its own exception from it.
+template <class... Args>
+[[nodiscard]] MsgId make_error(std::type_identity_t<CheckedMessageId<std::decay_t<Args>...>> id,
+                               const Args&... args) {
+  MsgId msg = message_id(id.id());
+  (append_argument(msg, args), ...);
+  return msg;
+}
+
+/// Throws krel::MessageException carrying `id`'s message with `args`.
+template <class... Args>
+[[noreturn]] void throw_error(std::type_identity_t<CheckedMessageId<std::decay_t<Args>...>> id,
+                              const Args&... args) {
+  throw_message(make_error<Args...>(id, args...));
+}
 
 }  // namespace units2::core::detail
 

@@ -5,6 +5,7 @@
 namespace units2::core {
 
 NonFiniteExponent::NonFiniteExponent()
-    : krel::MessageException(krel::Message(detail::non_finite_exponent())) {}
+    : krel::MessageException(
+          krel::Message(detail::make_error(detail::MessageId::NonFiniteExponent))) {}
 
 }  // namespace units2::core

@@ -27,7 +27,7 @@ bool is_unit_id_text(std::string_view text) noexcept {
 }
 
 std::string CheckUnitId::operator()(const std::string& text) const {
-  if (!is_unit_id_text(text)) throw_message(invalid_unit_id(text));
+  if (!is_unit_id_text(text)) throw_error(MessageId::InvalidUnitId, text);
   return text;
 }
 

@@ -116,7 +116,7 @@ ui_core_tool_test(unit_help_example_list
   OUT "^m\tnames: metre, meter\t"
   ARGS unit --list)
 
-# Every example of the README's unit section.
+# Every example of the unit section of docs/tool.md.
 ui_core_tool_test(unit_readme_psi_to_pascal
   OUT "^text: psi\naffine: no\nbase: 1 psi = 8896443230521/1290320000 \\(6894\\.757293\\) kg/\\(m\\*s\\^2\\)\nto: Pa \\(affine: y = factor\\*x \\+ offset\\)\nfactor: 8896443230521/1290320000 \\(6894\\.757293\\)\noffset: 0\ndisplay: psi\n$"
   ARGS unit psi --to Pa)
