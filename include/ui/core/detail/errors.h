@@ -40,12 +40,12 @@ enum class ArgKind { count, text };
 /// One row of the message table: see ErrorInfo for the first four, and
 /// `kinds` for the arguments, of which the first `arguments` are used.
 struct ErrorRow {
-  ErrorId id;
-  std::string_view area;
-  std::string_view key;
-  bool thrown;
-  std::size_t arguments;
-  std::array<ArgKind, 2> kinds;
+  ErrorId id;                    ///< The identifier the row describes.
+  std::string_view area;         ///< The catalogue's last part ("path").
+  std::string_view key;          ///< The message key ("InvalidNodePath").
+  bool thrown;                   ///< False for a message that is only looked up.
+  std::size_t arguments;         ///< How many arguments the message carries.
+  std::array<ArgKind, 2> kinds;  ///< The kinds of those arguments, in order.
 };
 
 /// A row of a message with arguments of the given kinds.
@@ -79,6 +79,7 @@ inline constexpr std::array<ErrorRow, 14> error_rows{{
                                             "SubscriptOutOfRange"),
 }};
 
+/// True when row i of the table describes the ErrorId of value i.
 consteval bool error_rows_in_enum_order() {
   for (std::size_t i = 0; i < error_rows.size(); ++i) {
     if (static_cast<std::size_t>(error_rows[i].id) != i) return false;
@@ -87,17 +88,18 @@ consteval bool error_rows_in_enum_order() {
 }
 static_assert(error_rows_in_enum_order(), "the message table must list ErrorId in order");
 
-/// The kind of argument a C++ type gives.
+/// True when a C++ type gives a count argument (an unsigned integer).
 template <class Arg>
 inline constexpr bool is_count_arg =
     std::unsigned_integral<Arg> && !std::same_as<Arg, bool> && !std::same_as<Arg, char16_t>;
+/// True when a C++ type gives a text argument (text, or an ArraySize).
 template <class Arg>
 inline constexpr bool is_text_arg =
     std::convertible_to<const Arg&, const ustring&> || std::same_as<Arg, krel::ArraySize>;
 
-// Not constexpr: reached while checking a call exactly when the arguments do
-// not match the table, which makes the call fail to compile with this name in
-// the error.
+/// Never defined, and not constexpr: reached while checking a call exactly
+/// when the arguments do not match the table, which makes the call fail to
+/// compile with this name in the error.
 void arguments_do_not_match_the_message_table();
 
 /// An ErrorId whose row has arguments of exactly the kinds of Args, in order.
@@ -105,7 +107,8 @@ void arguments_do_not_match_the_message_table();
 template <class... Args>
 class CheckedErrorId {
  public:
-  // Implicit, so that a call reads throw_error(ErrorId::InvalidNodePath, text).
+  /// Checks `error`'s row against Args. Implicit, so that a call reads
+  /// throw_error(ErrorId::InvalidNodePath, text).
   consteval CheckedErrorId(ErrorId error) : id_(error) {
     const ErrorRow& row = error_rows[static_cast<std::size_t>(error)];
     constexpr std::array<bool, sizeof...(Args)> counts{is_count_arg<Args>...};
@@ -116,6 +119,7 @@ class CheckedErrorId {
       if (!fits) arguments_do_not_match_the_message_table();
     }
   }
+  /// The identifier that was checked.
   [[nodiscard]] constexpr ErrorId id() const noexcept { return id_; }
 
  private:
@@ -126,11 +130,13 @@ class CheckedErrorId {
 /// exactly the arguments the message carries.
 [[nodiscard]] MsgId message_id(ErrorId id);
 
-// The arguments of a message, appended in order. Each text is stored as a
-// fresh copy.
+/// Appends one argument to a message; arguments are appended in order, and
+/// each text is stored as a fresh copy.
+/// @{
 void append_argument(MsgId& msg, std::uint64_t count);
 void append_argument(MsgId& msg, const ustring& text);
 void append_argument(MsgId& msg, const krel::ArraySize& size);
+/// @}
 
 /// Throws krel::MessageException carrying `id`.
 [[noreturn]] void throw_message(MsgId id);
