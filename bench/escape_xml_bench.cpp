@@ -82,8 +82,8 @@ const Corpus& corpus(const benchmark::State& state) {
 }
 
 void set_rates(benchmark::State& state, const Corpus& c, std::size_t bytes) {
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * c.characters));
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * bytes));
+  state.SetItemsProcessed(bench::times_iterations(state.iterations(), c.characters));
+  state.SetBytesProcessed(bench::times_iterations(state.iterations(), bytes));
   state.SetLabel(state.range(0) == 0 ? "prose" : "markup");
 }
 

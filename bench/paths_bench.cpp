@@ -59,13 +59,14 @@ std::size_t code_units(const std::vector<std::u16string>& texts) {
 void report(benchmark::State& state, const bench::AllocationCount& before,
             std::size_t paths_per_iteration, std::size_t units_per_iteration) {
   const bench::AllocationCount after = bench::allocations_so_far();
-  const double paths = static_cast<double>(state.iterations() * paths_per_iteration);
+  const auto paths =
+      static_cast<double>(bench::times_iterations(state.iterations(), paths_per_iteration));
   state.counters["allocs_per_path"] =
       static_cast<double>(after.allocations - before.allocations) / paths;
   state.counters["bytes_per_path"] = static_cast<double>(after.bytes - before.bytes) / paths;
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * paths_per_iteration));
+  state.SetItemsProcessed(bench::times_iterations(state.iterations(), paths_per_iteration));
   state.SetBytesProcessed(
-      static_cast<std::int64_t>(state.iterations() * units_per_iteration * sizeof(char16_t)));
+      bench::times_iterations(state.iterations(), units_per_iteration * sizeof(char16_t)));
 }
 
 // The split a caller writes by hand: identifiers between unescaped "/", pairs
@@ -183,7 +184,7 @@ void NodePath_scaling(benchmark::State& state) {
     benchmark::DoNotOptimize(p.size());
   }
   state.SetBytesProcessed(
-      static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
+      bench::times_iterations(state.iterations(), text.size() * sizeof(char16_t)));
   state.counters["code_units"] = static_cast<double>(text.size());
 }
 BENCHMARK(NodePath_scaling)->RangeMultiplier(10)->Range(10, 100000);
@@ -204,7 +205,7 @@ void NodePath_hand_split_scaling(benchmark::State& state) {
     benchmark::DoNotOptimize(ids.size());
   }
   state.SetBytesProcessed(
-      static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
+      bench::times_iterations(state.iterations(), text.size() * sizeof(char16_t)));
 }
 BENCHMARK(NodePath_hand_split_scaling)->RangeMultiplier(10)->Range(10, 100000);
 
@@ -216,7 +217,7 @@ void ObjectPath_scaling(benchmark::State& state) {
     benchmark::DoNotOptimize(p.size());
   }
   state.SetBytesProcessed(
-      static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
+      bench::times_iterations(state.iterations(), text.size() * sizeof(char16_t)));
   state.counters["code_units"] = static_cast<double>(text.size());
 }
 BENCHMARK(ObjectPath_scaling)->RangeMultiplier(10)->Range(10, 100000);
@@ -248,7 +249,7 @@ void ObjectPath_hand_split_scaling(benchmark::State& state) {
     benchmark::DoNotOptimize(segments.size());
   }
   state.SetBytesProcessed(
-      static_cast<std::int64_t>(state.iterations() * text.size() * sizeof(char16_t)));
+      bench::times_iterations(state.iterations(), text.size() * sizeof(char16_t)));
 }
 BENCHMARK(ObjectPath_hand_split_scaling)->RangeMultiplier(10)->Range(10, 100000);
 
@@ -263,7 +264,7 @@ void ObjectPath_append(benchmark::State& state) {
     for (std::size_t i = 0; i < n; ++i) p.push_back(i % 2 == 0 ? name : sub);
     benchmark::DoNotOptimize(p.size());
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
+  state.SetItemsProcessed(bench::times_iterations(state.iterations(), n));
 }
 BENCHMARK(ObjectPath_append)->RangeMultiplier(10)->Range(10, 100000);
 
@@ -278,7 +279,7 @@ void NodePath_append(benchmark::State& state) {
     for (std::size_t i = 0; i < n; ++i) p += one;
     benchmark::DoNotOptimize(p.size());
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
+  state.SetItemsProcessed(bench::times_iterations(state.iterations(), n));
 }
 BENCHMARK(NodePath_append)->RangeMultiplier(10)->Range(10, 100000);
 
@@ -290,7 +291,7 @@ void NodePath_append_plus(benchmark::State& state) {
     for (std::size_t i = 0; i < n; ++i) p = std::move(p) + one;
     benchmark::DoNotOptimize(p.size());
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
+  state.SetItemsProcessed(bench::times_iterations(state.iterations(), n));
 }
 BENCHMARK(NodePath_append_plus)->RangeMultiplier(10)->Range(10, 100000);
 
@@ -302,7 +303,7 @@ void NodePath1_append(benchmark::State& state) {
     for (std::size_t i = 1; i < n; ++i) p += one;
     benchmark::DoNotOptimize(p.size());
   }
-  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * n));
+  state.SetItemsProcessed(bench::times_iterations(state.iterations(), n));
 }
 BENCHMARK(NodePath1_append)->RangeMultiplier(10)->Range(10, 100000);
 

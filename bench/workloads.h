@@ -65,6 +65,13 @@ std::u16string xml_markup();
 /// UTF-16 to UTF-8 (the texts here hold no surrogates).
 std::string to_utf8(const std::u16string& text);
 
+/// `per_iteration` units of work times the iterations a benchmark ran, for
+/// SetItemsProcessed and SetBytesProcessed.
+[[nodiscard]] inline std::int64_t times_iterations(std::int64_t iterations,
+                                                   std::size_t per_iteration) {
+  return iterations * static_cast<std::int64_t>(per_iteration);
+}
+
 }  // namespace bench
 
 #endif  // UI_CORE_BENCH_WORKLOADS_H

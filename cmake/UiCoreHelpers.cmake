@@ -3,7 +3,10 @@
 # Warning flags stay PRIVATE: they are this project's choice, not its users'.
 function(ui_core_warnings target)
   if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow)
+    # -Wconversion and -Wsign-conversion: a narrowing or a change of sign is
+    # written as a cast, so that each one is a decision someone made.
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                                             -Wsign-conversion)
     if(UI_CORE_WERROR)
       target_compile_options(${target} PRIVATE -Werror)
     endif()

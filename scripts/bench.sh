@@ -4,7 +4,7 @@
 # ratios of medians measured in this run. The raw results and the ratios are
 # written as JSON beside the build:
 #   build/bench/results.json   Google Benchmark's output
-#   build/bench/ratios.json    the table, one entry per target
+#   build/bench/ratios.json    the table, one entry per measure
 # The repetitions of all benchmarks are interleaved in random order, so that a
 # slow moment of a shared machine spreads over kernel and peers alike instead
 # of falling on one of them.

@@ -46,14 +46,7 @@ bool is_error(const krel::MessageException& e, ErrorId id) noexcept {
 
 namespace detail {
 
-void throw_message(MsgId id) {
-  // The identifier, message and exception are built in that order; if building
-  // one fails, those built before it are destroyed as the failure unwinds.
-  krel::Message message(std::move(id));
-  throw krel::MessageException(message);
-}
-
-MsgId message_id(ErrorId id) {
+MsgId KernelMessages::message_id(ErrorId id) {
   MsgId msg;
   const ErrorInfo& info = error_info(id);
   msg.arguments.reserve(info.arguments);
@@ -62,15 +55,15 @@ MsgId message_id(ErrorId id) {
   return msg;
 }
 
-void append_argument(MsgId& msg, std::uint64_t count) {
+void KernelMessages::append_argument(MsgId& msg, std::uint64_t count) {
   msg.arguments.emplace_back(std::in_place_type<std::uint64_t>, count);
 }
 
-void append_argument(MsgId& msg, const ustring& text) {
+void KernelMessages::append_argument(MsgId& msg, const ustring& text) {
   msg.arguments.emplace_back(std::in_place_type<std::u16string>, text);
 }
 
-void append_argument(MsgId& msg, const krel::ArraySize& size) {
+void KernelMessages::append_argument(MsgId& msg, const krel::ArraySize& size) {
   append_argument(msg, krel::to_user_string(size));
 }
 

@@ -78,7 +78,7 @@ struct detail::NodePathParser {
   static krel::Cow<Rep> record_or_throw(const ustring& text) {
     Parsed parsed = parse(text);
     if (krel::Cow<Rep>* rep = std::get_if<krel::Cow<Rep>>(&parsed)) return std::move(*rep);
-    throw_message(std::move(std::get<MsgId>(parsed)));
+    krel::detail::throw_message(std::move(std::get<MsgId>(parsed)));
   }
 
   // The path of a text, or nothing when the text is refused.

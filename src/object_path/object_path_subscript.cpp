@@ -29,7 +29,8 @@ bool has_zero(const krel::ArraySize& values) noexcept {
 }  // namespace
 
 ObjectPathSubscript::ObjectPathSubscript()
-    : rep_(krel::Cow<detail::ObjectPathSubscriptRep>::make(1, krel::ArraySize(1, 1))) {}
+    : rep_(krel::Cow<detail::ObjectPathSubscriptRep>::make(std::size_t{1}, krel::ArraySize(1, 1))) {
+}
 
 ObjectPathSubscript::ObjectPathSubscript(unsigned long count, krel::ArraySize subscripts)
     : rep_([&] {

@@ -86,7 +86,7 @@ TEST(ThrowMessage, EachThrownMessageCarriesItsIdentifierAndArguments) {
   };
   std::set<ErrorId> covered;
   for (const Case& c : cases) {
-    EXPECT_TRUE(throws_error([&] { detail::throw_message(c.msg); }, c.id, c.args))
+    EXPECT_TRUE(throws_error([&] { krel::detail::throw_message(c.msg); }, c.id, c.args))
         << error_info(c.id).key;
     covered.insert(c.id);
   }
@@ -98,11 +98,13 @@ TEST(ThrowMessage, EachThrownMessageCarriesItsIdentifierAndArguments) {
 }
 
 TEST(ThrowMessage, ReservesExactlyTheArgumentCount) {
-  EXPECT_EQ(detail::message_id(ErrorId::SubscriptOutOfRange).arguments.capacity(), 2u);
+  EXPECT_EQ(detail::KernelMessages::message_id(ErrorId::SubscriptOutOfRange).arguments.capacity(),
+            2u);
   EXPECT_EQ(detail::make_error(ErrorId::InvalidNodeId, u"x").arguments.capacity(), 1u);
   EXPECT_EQ(detail::make_error(ErrorId::UnitConversionUnknown).arguments.size(), 0u);
   for (const ErrorInfo& info : error_table()) {
-    EXPECT_EQ(detail::message_id(info.id).arguments.capacity(), info.arguments) << info.key;
+    EXPECT_EQ(detail::KernelMessages::message_id(info.id).arguments.capacity(), info.arguments)
+        << info.key;
   }
 }
 

@@ -458,7 +458,7 @@ TEST(ObjectPathElement, SharedSubscriptsMayBeHashedAndComparedOnManyThreads) {
   }();
   std::vector<std::thread> threads;
   std::vector<int> failures(4, 0);
-  for (int t = 0; t < 4; ++t) {
+  for (std::size_t t = 0; t < 4; ++t) {
     threads.emplace_back([&shared, &failures, expected, t] {
       for (int i = 0; i < 1000; ++i) {
         ObjectPathElement copy = shared;

@@ -298,7 +298,7 @@ TEST(ObjectPath, CopiesMayBeReadAndExtendedOnManyThreads) {
   const ObjectPath shared = ui::core::to_object_path(u"a///1, 2/b");
   std::vector<std::thread> threads;
   std::vector<int> failures(4, 0);
-  for (int t = 0; t < 4; ++t) {
+  for (std::size_t t = 0; t < 4; ++t) {
     threads.emplace_back([&shared, &failures, t] {
       for (int i = 0; i < 500; ++i) {
         ObjectPath copy = shared;

@@ -8,7 +8,6 @@
 // starting with '#' are skipped. The command line is echoed before its output.
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -61,31 +60,25 @@ std::optional<std::vector<std::string>> split_words(std::string_view line) {
 }
 
 int run_batch(const std::string& file) {
-  const bool use_stdin = file.empty() || file == "-";
-  const std::string name = use_stdin ? std::string("standard input") : file;
-  const FileDescriptor opened(use_stdin ? -1 : ::open(file.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!use_stdin && opened.get() < 0) {
-    write_error("error: cannot open " + file + ": " + std::strerror(errno) + "\n");
-    return exit_usage;
-  }
-  struct stat info {};
-  if (!use_stdin && ::fstat(opened.get(), &info) == 0 && S_ISDIR(info.st_mode)) {
-    write_error("error: " + file + " is a directory\n");
-    return exit_usage;
-  }
+  const std::optional<InputSource> source = open_input(file);
+  if (!source) return exit_usage;
   // A command line without inputs would read standard input, which is the
   // batch's own (or the terminal): it reads an empty input instead.
   const FileDescriptor nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
   if (nothing.get() < 0) {
-    write_error(std::string("error: cannot open /dev/null: ") + std::strerror(errno) + "\n");
+    const krel::ustring reason = krel::utf8_string_to_ustring(std::strerror(errno));
+    write_error("error: " + tool_text("CannotOpen", {krel::ustring(u"/dev/null"), reason}) + "\n");
     return exit_io;
   }
-  const auto where = [&name](std::uint64_t number) {
-    return name + ":" + std::to_string(number) + ": error: ";
+  // "<file>:<line>: error: <text>", the form compilers use, so that editors
+  // jump to the line.
+  const auto refuse_line = [&source](std::uint64_t number, const std::string& text) {
+    write_error(source->name + ":" + std::to_string(number) + ": error: " + text + "\n");
+    return exit_usage;
   };
   Output& out = standard_output();
   CommandLine commands;
-  LineReader reader(use_stdin ? command_input() : opened.get());
+  LineReader reader(source->fd);
   std::string_view line;
   std::size_t ran = 0;
   std::size_t refused = 0;
@@ -93,15 +86,9 @@ int run_batch(const std::string& file) {
     const std::size_t first = line.find_first_not_of(" \t\r");
     if (first == std::string_view::npos || line[first] == '#') continue;
     const auto words = split_words(line);
-    if (!words) {
-      write_error(where(reader.lines()) + "unterminated quote\n");
-      return exit_usage;
-    }
+    if (!words) return refuse_line(reader.lines(), tool_text("UnterminatedQuote", {}));
     if (words->empty()) continue;
-    if ((*words)[0] == "batch") {
-      write_error(where(reader.lines()) + "batch files cannot run batch\n");
-      return exit_usage;
-    }
+    if ((*words)[0] == "batch") return refuse_line(reader.lines(), tool_text("BatchInBatch", {}));
     out.text().append("$ ui-core ").append(line) += '\n';
     out.commit();
     const int code = commands.run(*words, nothing.get());
@@ -109,19 +96,18 @@ int run_batch(const std::string& file) {
     // The command has said what went wrong; a failed write ends the batch too.
     if (code == exit_io) return exit_io;
     if (code == exit_usage) {
-      write_error(where(reader.lines()) + "bad command line (exit " + std::to_string(code) + ")\n");
-      return exit_usage;
+      return refuse_line(reader.lines(),
+                         tool_text("BadCommandLine", {static_cast<std::uint64_t>(code)}));
     }
     if (code != exit_ok) ++refused;
     out.text() += '\n';
     out.commit();
   }
   if (reader.error() != 0) {
-    write_error("error: cannot read " + name + ": " + std::strerror(reader.error()) + "\n");
+    report_read_error(*source, reader.error());
     return exit_io;
   }
-  out.text() += std::to_string(ran) + " command(s) run, " + std::to_string(refused) +
-                " refused their input\n";
+  out.text() += tool_text("BatchSummary", {std::uint64_t{ran}, std::uint64_t{refused}}) + '\n';
   out.commit();
   return refused == 0 ? exit_ok : exit_refused;
 }

@@ -32,6 +32,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -39,6 +40,7 @@
 
 #include "krel/message.h"
 #include "krel/ustring.h"
+#include "line_io.h"
 #include "resource_core/base_msg_id.h"
 #include "result.h"
 
@@ -176,6 +178,29 @@ inline constexpr std::string_view tool_catalogue = "ui-core";
 
 /// The text of the key `key` of the tool's catalogue in the message locale.
 [[nodiscard]] std::string tool_text(std::string key, InputError::Arguments arguments);
+
+// --- Where inputs come from ----------------------------------------------------
+
+/// What a command reads: standard input, or a file it opened (closed with it).
+struct InputSource {
+  FileDescriptor file;
+  /// The descriptor to read: `file`, or the command line's standard input.
+  int fd = -1;
+  /// For messages: the file's name, or "standard input" in the message locale.
+  std::string name;
+  /// The size of a regular file in bytes, else 0 (for the progress line).
+  std::uint64_t size = 0;
+  [[nodiscard]] bool is_standard_input() const noexcept { return file.get() < 0; }
+};
+
+/// Opens the input `file`; "" or "-" is standard input. A file that cannot be
+/// opened, or a directory, is reported on standard error and gives none: the
+/// command then ends with exit_usage.
+[[nodiscard]] std::optional<InputSource> open_input(const std::string& file);
+
+/// Reports that reading `source` failed with the errno `error`; the command
+/// then ends with exit_io.
+void report_read_error(const InputSource& source, int error);
 
 /// Reads the value of `option` with `read()`: a value the library or the
 /// tool refuses is bad usage (exit 2), reported with the option's name before

@@ -13,6 +13,7 @@
 #include "command.h"
 #include "line_io.h"
 #include "msgcat/catalogue.h"
+#include "render.h"
 
 namespace ui_core_tool {
 namespace {
@@ -130,17 +131,21 @@ void setup_explain(CLI::App& app, CommandState& state) {
        "--json\n"
        "  ui-core explain --list\n"},
       ArgGrouping::all);
-  cmd->add_flag("--list", *list, "List every identifier the catalogue knows");
+  cmd->add_flag("--list", *list,
+                "List every identifier the catalogue knows (with --json one object each)");
   cmd->callback([io, list, &state] {
     if (*list) {
-      Output& out = standard_output();
+      Renderer renderer(io->json ? Format::json : Format::line, standard_output());
+      Result entry;
       std::string last;
       for (const auto& e : msgcat::entries()) {
         std::string id = e.catalogue + ":" + e.key;
-        if (id != last) out.text() += id + '\n';
+        if (id == last) continue;  // the same message in another language
+        entry.clear();
+        entry.text("identifier", id);
+        renderer.write_entry(entry);
         last = std::move(id);
       }
-      out.commit();
       return;
     }
     state.exit_code = run_inputs(*io, &explain);

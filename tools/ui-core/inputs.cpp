@@ -75,7 +75,7 @@ class Runner {
     try {
       // Decoding would quietly turn bad bytes into U+FFFD and the tool would
       // answer for a text nobody typed, so such an input is refused instead.
-      if (const std::size_t bad = first_invalid_utf8(bytes); bad != std::string_view::npos) {
+      if (const std::size_t bad = krel::first_invalid_utf8(bytes); bad != std::string_view::npos) {
         throw InputError("InvalidUtf8",
                          {krel::utf8_string_to_ustring(escaped(bytes)), std::uint64_t{bad}}, false);
       }
@@ -150,8 +150,8 @@ std::vector<std::string> group_arguments(const std::vector<std::string>& args,
   return args;
 }
 
-int read_lines(int fd, const std::string& name, Runner& runner, Progress& progress) {
-  LineReader reader(fd);
+int read_lines(const InputSource& source, Runner& runner, Progress& progress) {
+  LineReader reader(source.fd);
   std::string_view line;
   std::uint64_t fills = 0;
   while (reader.next(line)) {
@@ -166,7 +166,7 @@ int read_lines(int fd, const std::string& name, Runner& runner, Progress& progre
     }
   }
   if (reader.error() != 0) {
-    write_error("error: cannot read " + name + ": " + std::strerror(reader.error()) + "\n");
+    report_read_error(source, reader.error());
     return exit_io;
   }
   return exit_ok;
@@ -239,6 +239,36 @@ std::string tool_text(std::string key, InputError::Arguments arguments) {
       resource_core::BaseMsgID{std::move(arguments), std::string(tool_catalogue), std::move(key)});
 }
 
+std::optional<InputSource> open_input(const std::string& file) {
+  if (file.empty() || file == "-") {
+    return InputSource{FileDescriptor(-1), command_input(), tool_text("StandardInput", {}), 0};
+  }
+  InputSource source{FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC)), -1, file, 0};
+  source.fd = source.file.get();
+  if (source.fd < 0) {
+    const krel::ustring reason = krel::utf8_string_to_ustring(std::strerror(errno));
+    write_error("error: " + tool_text("CannotOpen", {krel::utf8_string_to_ustring(file), reason}) +
+                "\n");
+    return std::nullopt;
+  }
+  struct stat info {};
+  if (::fstat(source.fd, &info) == 0) {
+    if (S_ISDIR(info.st_mode)) {
+      write_error("error: " + tool_text("IsDirectory", {krel::utf8_string_to_ustring(file)}) +
+                  "\n");
+      return std::nullopt;
+    }
+    if (S_ISREG(info.st_mode)) source.size = static_cast<std::uint64_t>(info.st_size);
+  }
+  return source;
+}
+
+void report_read_error(const InputSource& source, int error) {
+  const krel::ustring reason = krel::utf8_string_to_ustring(std::strerror(error));
+  write_error("error: " +
+              tool_text("CannotRead", {krel::utf8_string_to_ustring(source.name), reason}) + "\n");
+}
+
 std::string quoted(const krel::ustring& text) {
   return "'" + krel::ustring_to_utf8_string(text) + "'";
 }
@@ -307,9 +337,8 @@ int run_inputs(const InputOptions& options, const Handler& handler, const Refusa
   bool use_stdin = false;
   if (!options.file.empty()) {
     if (!options.args.empty()) {
-      write_error(
-          "error: give the inputs as arguments or with --file, not both\n"
-          "Run with --help for more information.\n");
+      write_error("error: " + tool_text("ArgumentsAndFile", {}) +
+                  "\nRun with --help for more information.\n");
       return exit_usage;
     }
     use_stdin = options.file == "-";
@@ -334,36 +363,23 @@ int run_inputs(const InputOptions& options, const Handler& handler, const Refusa
     return runner.refused() == 0 ? exit_ok : exit_refused;
   }
 
-  const FileDescriptor file(use_stdin ? -1 : ::open(options.file.c_str(), O_RDONLY | O_CLOEXEC));
-  const int fd = use_stdin ? command_input() : file.get();
-  const std::string name = use_stdin ? std::string("standard input") : options.file;
-  std::uint64_t total = 0;
-  if (!use_stdin) {
-    if (fd < 0) {
-      write_error("error: cannot open " + options.file + ": " + std::strerror(errno) + "\n");
-      return exit_usage;
-    }
-    struct stat info {};
-    if (::fstat(fd, &info) == 0) {
-      if (S_ISDIR(info.st_mode)) {
-        write_error("error: " + options.file + " is a directory\n");
-        return exit_usage;
-      }
-      if (S_ISREG(info.st_mode)) total = static_cast<std::uint64_t>(info.st_size);
-    }
-    ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
-  } else if (::isatty(fd) == 1 && ::isatty(STDERR_FILENO) == 1) {
-    write_error("(reading inputs from standard input, one per line; end with Ctrl-D)\n");
+  const std::optional<InputSource> source = open_input(use_stdin ? std::string() : options.file);
+  if (!source) return exit_usage;
+  if (!source->is_standard_input()) {
+    ::posix_fadvise(source->fd, 0, 0, POSIX_FADV_SEQUENTIAL);
+  } else if (::isatty(source->fd) == 1 && ::isatty(STDERR_FILENO) == 1) {
+    write_error(tool_text("ReadingStandardInput", {}) + "\n");
   }
   int code = exit_ok;
   std::uint64_t inputs = 0;
   std::uint64_t refused = 0;
   {
     // The progress line is for a person waiting on a file being worked through.
-    Progress progress(name, total, !use_stdin && ::isatty(STDERR_FILENO) == 1);
+    Progress progress(source->name, source->size,
+                      !source->is_standard_input() && ::isatty(STDERR_FILENO) == 1);
     const ProgressScope scope(progress);
     Runner runner(handler, note, format, standard_output());
-    code = read_lines(fd, name, runner, progress);
+    code = read_lines(*source, runner, progress);
     progress.clear();
     inputs = runner.inputs();
     refused = runner.refused();

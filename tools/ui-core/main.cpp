@@ -240,7 +240,7 @@ int CommandLine::run(const std::vector<std::string>& words, int input_fd) {
 krel::ustring from_arg(const std::string& arg) {
   // Converting would quietly turn bad bytes into U+FFFD and the tool would
   // answer for a text nobody typed, so such an argument is refused instead.
-  if (first_invalid_utf8(arg) != std::string_view::npos) {
+  if (krel::first_invalid_utf8(arg) != std::string_view::npos) {
     throw std::runtime_error("the argument '" + escaped(arg) + "' is not valid UTF-8");
   }
   return krel::utf8_string_to_ustring(arg);

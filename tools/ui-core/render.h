@@ -3,11 +3,11 @@
 // A Renderer writes each Result in the run's Format (see result.h) to an
 // Output, and a refusal in the report form to standard error. It also holds
 // the tool's one escaping of bytes, used for echoed inputs, fields of the
-// line form and bytes shown in messages, and the check of UTF-8 validity that
-// escaping and input reading share.
+// line form and bytes shown in messages.
 //
 //   Renderer renderer(Format::line, standard_output());
 //   renderer.write(bytes, result);  // "<input>\t<field>...\n"
+//   renderer.write_entry(entry);     // "<field>\t<field>...\n"
 
 #ifndef UI_CORE_TOOL_RENDER_H
 #define UI_CORE_TOOL_RENDER_H
@@ -22,15 +22,6 @@
 #include "result.h"
 
 namespace ui_core_tool {
-
-/// The offset of the first byte of `bytes` that does not start a well-formed
-/// UTF-8 sequence (no overlong forms, no surrogates, nothing above U+10FFFF),
-/// or std::string_view::npos when all of it is valid.
-[[nodiscard]] std::size_t first_invalid_utf8(std::string_view bytes) noexcept;
-
-/// How many bytes a UTF-8 sequence that starts with `lead` claims (1 to 4),
-/// or 0 when `lead` cannot start one.
-[[nodiscard]] std::size_t utf8_sequence_length(unsigned char lead) noexcept;
 
 /// Which bytes append_escaped writes as escapes.
 enum class Escape {
@@ -63,8 +54,14 @@ class Renderer {
   /// OutputError when a write fails.
   void write(std::string_view bytes, const Result& result);
 
+  /// Writes one entry of a listing, a record that answers no input (such as
+  /// one unit of `unit --list`): the line form is its fields separated by
+  /// TAB, the JSON form an object of its fields, the report form its report
+  /// lines. Throws OutputError when a write fails.
+  void write_entry(const Result& entry);
+
  private:
-  void write_json(std::string_view bytes, const Result& result);
+  void write_json(const std::string_view* bytes, const Result& result);
 
   Format format_;
   Output& output_;

@@ -5,14 +5,11 @@
 //   ui-core escape-xml < page.html
 //   ui-core access --json --file access.txt
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -41,7 +38,7 @@ std::size_t complete_prefix(std::string_view buffer) noexcept {
   for (std::size_t back = 1; back <= 4 && back <= n; ++back) {
     const auto byte = static_cast<unsigned char>(buffer[n - back]);
     if ((byte & 0xC0) == 0x80) continue;  // a continuation byte: look further back
-    const std::size_t claimed = utf8_sequence_length(byte);
+    const std::size_t claimed = krel::utf8_claimed_length(byte);
     return claimed > back ? n - back : n;
   }
   return n;
@@ -49,17 +46,17 @@ std::size_t complete_prefix(std::string_view buffer) noexcept {
 
 // Escapes the input `fd` to standard output piece by piece, so that input of
 // any size runs in constant memory.
-int escape_stream(int fd, const std::string& name, std::size_t chunk_size, Progress& progress) {
+int escape_stream(const InputSource& source, std::size_t chunk_size, Progress& progress) {
   std::string buffer;
   std::string block(chunk_size, '\0');
   std::uint64_t bytes = 0;
   std::uint64_t lines = 0;
   Output& out = standard_output();
   for (;;) {
-    const ssize_t got = ::read(fd, block.data(), block.size());
+    const ssize_t got = ::read(source.fd, block.data(), block.size());
     if (got < 0) {
       if (errno == EINTR) continue;
-      write_error("error: cannot read " + name + ": " + std::strerror(errno) + "\n");
+      report_read_error(source, errno);
       return exit_io;
     }
     const bool at_end = got == 0;
@@ -141,23 +138,15 @@ void setup_text(CLI::App& app, CommandState& state) {
         });
         return;
       }
-      if (io->file.empty() || io->file == "-") {
-        Progress none("", 0, false);
-        state.exit_code = escape_stream(command_input(), "standard input", *chunk, none);
-        return;
-      }
-      const FileDescriptor file(::open(io->file.c_str(), O_RDONLY | O_CLOEXEC));
-      if (file.get() < 0) {
-        write_error("error: cannot open " + io->file + ": " + std::strerror(errno) + "\n");
+      const std::optional<InputSource> source = open_input(io->file);
+      if (!source) {
         state.exit_code = exit_usage;
         return;
       }
-      struct stat info {};
-      const std::uint64_t total =
-          ::fstat(file.get(), &info) == 0 && S_ISREG(info.st_mode) ? info.st_size : 0;
-      Progress progress(io->file, total, ::isatty(STDERR_FILENO) == 1);
+      Progress progress(source->name, source->size,
+                        !source->is_standard_input() && ::isatty(STDERR_FILENO) == 1);
       const ProgressScope scope(progress);
-      state.exit_code = escape_stream(file.get(), io->file, *chunk, progress);
+      state.exit_code = escape_stream(*source, *chunk, progress);
     });
   }
   {

@@ -148,58 +148,44 @@ std::string joined(const std::vector<std::string>& items) {
   return out;
 }
 
-// `ui-core unit --list`: one record per unit the database declares, in its
-// order, then one per ambiguous spelling, in byte order. The text form is the
-// tool's line format, "<id><TAB><field>...", so that grep and cut work on it;
-// --json writes one object per record.
-void write_list(bool json) {
+// `ui-core unit --list`: one entry per unit the database declares, in its
+// order, then one per ambiguous spelling, in byte order. The line form,
+// "<id><TAB><field>...", is for grep and cut; --json writes one object each.
+void write_list(Format format) {
   const std::shared_ptr<const units::Context> context = units::get_service()->context();
-  Output& out = standard_output();
+  Renderer renderer(format, standard_output());
+  Result entry;
   for (const units::UnitId& id : context->declared_units()) {
     const units::Unit& unit = *context->find(id.view());
     const std::string base = units::to_raw_expr(unit.dimension).text();
-    if (json) {
-      nlohmann::ordered_json record = nlohmann::ordered_json::object();
-      record["id"] = id.str();
-      record["kind"] = "unit";
-      record["names"] = unit.names;
-      record["base"] = base;
-      record["scale"] = exact(unit.scale);
-      if (unit.affine()) record["zero"] = to_string(unit.offset);
-      record["prefixes"] = unit.prefix_symbols;
-      record["definition"] = unit.definition;
-      out.text() += record.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
-    } else {
-      out.text() += id.view();
-      add_field(out.text(), unit.names.empty() ? "names:" : "names: " + joined(unit.names));
-      add_field(out.text(),
-                "base: 1 " + id.str() + " = " + exact_and_decimal(unit.scale) + " " + base);
-      if (unit.affine())
-        add_field(out.text(), "zero: " + exact_and_decimal(unit.offset) + " " + base);
-      add_field(out.text(), "prefixes: " + prefixes_text(*context, unit));
-      add_field(out.text(), "definition: " + unit.definition);
+    entry.clear();
+    entry.text("id", id.str());
+    entry.json("kind", "unit");
+    entry.add({"names", unit.names, std::nullopt,
+               unit.names.empty() ? "names:" : "names: " + joined(unit.names)});
+    entry.json("base", base);
+    entry.add({"scale", exact(unit.scale), std::nullopt,
+               "base: 1 " + id.str() + " = " + exact_and_decimal(unit.scale) + " " + base});
+    if (unit.affine()) {
+      entry.add({"zero", to_string(unit.offset), std::nullopt,
+                 "zero: " + exact_and_decimal(unit.offset) + " " + base});
     }
-    out.text() += '\n';
-    out.commit();
+    entry.add({"prefixes", unit.prefix_symbols, std::nullopt,
+               "prefixes: " + prefixes_text(*context, unit)});
+    entry.add({"definition", unit.definition, std::nullopt, "definition: " + unit.definition});
+    renderer.write_entry(entry);
   }
   std::vector<std::string> ambiguous;
-  for (const auto& entry : context->ambiguous()) ambiguous.push_back(entry.first);
+  for (const auto& e : context->ambiguous()) ambiguous.push_back(e.first);
   std::sort(ambiguous.begin(), ambiguous.end());
   for (const std::string& spelling : ambiguous) {
     std::vector<std::string> readings;
     for (const units::UnitId& id : *context->ambiguity(spelling)) readings.push_back(id.str());
-    if (json) {
-      nlohmann::ordered_json record = nlohmann::ordered_json::object();
-      record["id"] = spelling;
-      record["kind"] = "ambiguous";
-      record["readings"] = readings;
-      out.text() += record.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
-    } else {
-      out.text() += spelling;
-      add_field(out.text(), "ambiguous: " + joined(readings));
-    }
-    out.text() += '\n';
-    out.commit();
+    entry.clear();
+    entry.text("id", spelling);
+    entry.json("kind", "ambiguous");
+    entry.add({"readings", readings, std::nullopt, "ambiguous: " + joined(readings)});
+    renderer.write_entry(entry);
   }
 }
 
@@ -242,7 +228,7 @@ void setup_unit(CLI::App& app, CommandState& state) {
       if (!io->args.empty() || !io->file.empty()) {
         throw CLI::ValidationError("--list", "lists the whole database and takes no expressions");
       }
-      write_list(io->json);
+      write_list(io->json ? Format::json : Format::line);
       return;
     }
     // The target is read once; an invalid one is bad usage, reported before

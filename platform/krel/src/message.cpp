@@ -1,5 +1,7 @@
 #include "krel/message.h"
 
+#include "krel/detail/checked_message.h"
+
 #include "msgcat/catalogue.h"
 
 namespace krel {
@@ -19,4 +21,13 @@ MessageException::MessageException(const Message& message) {
       State{message, message.identifier() + ": " + ustring_to_utf8_string(text)});
 }
 
+namespace detail {
+
+void throw_message(resource_core::BaseMsgID msg) {
+  // The identifier, message and exception are built in that order; if building
+  // one fails, those built before it are destroyed as the failure unwinds.
+  throw MessageException(Message(std::move(msg)));
+}
+
+}  // namespace detail
 }  // namespace krel

@@ -9,6 +9,7 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 #include <unicode/ustring.h>
+#include <unicode/utf8.h>
 #include <unicode/utypes.h>
 
 namespace krel {
@@ -95,6 +96,39 @@ std::string ustring_to_utf8_string(std::u16string_view text) {
     u_strToUTF8WithSub(dest, cap, &needed, src, len, 0xFFFD, nullptr, status);
     return needed;
   });
+}
+
+std::size_t utf8_claimed_length(unsigned char lead) noexcept {
+  if (U8_IS_SINGLE(lead)) return 1;
+  if (!U8_IS_LEAD(lead)) return 0;
+  return static_cast<std::size_t>(U8_COUNT_TRAIL_BYTES(lead)) + 1;
+}
+
+std::size_t utf8_sequence_length(std::string_view bytes) noexcept {
+  if (bytes.empty()) return 0;
+  // ICU's decoder checks the second byte against the lead's own range, which
+  // is what rules out overlong forms, surrogates and values past U+10FFFF. It
+  // never looks past the four bytes one sequence may have.
+  const auto* s = reinterpret_cast<const uint8_t*>(bytes.data());
+  const auto length = static_cast<int32_t>(bytes.size() < 4 ? bytes.size() : 4);
+  int32_t i = 0;
+  UChar32 c = 0;
+  U8_NEXT(s, i, length, c);
+  return c < 0 ? 0 : static_cast<std::size_t>(i);
+}
+
+std::size_t first_invalid_utf8(std::string_view bytes) noexcept {
+  std::size_t i = 0;
+  while (i < bytes.size()) {
+    if (static_cast<unsigned char>(bytes[i]) < 0x80) {
+      ++i;
+      continue;
+    }
+    const std::size_t length = utf8_sequence_length(bytes.substr(i));
+    if (length == 0) return i;
+    i += length;
+  }
+  return std::string_view::npos;
 }
 
 std::string ustring_to_utf8_string(const ustring& text) {

@@ -350,7 +350,7 @@ TEST(SharedVector, CopiesMayBeMadeChangedAndDestroyedOnManyThreads) {
   krel::SharedVector<std::string> shared{"a", "b", "c"};
   std::vector<std::thread> threads;
   std::vector<int> failures(4, 0);
-  for (int t = 0; t < 4; ++t) {
+  for (std::size_t t = 0; t < 4; ++t) {
     threads.emplace_back([&shared, &failures, t] {
       for (int i = 0; i < 1000; ++i) {
         krel::SharedVector<std::string> copy = shared;

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <clocale>
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -46,6 +49,125 @@ TEST(Utf8, InvalidUtf8BecomesReplacementCharacter) {
                                                      "b")),
             u"a\uFFFDb");
   EXPECT_EQ(krel::utf8_string_to_ustring(std::string("\xc3")), u"\uFFFD");
+}
+
+// The table of well-formed UTF-8 byte sequences of the Unicode standard: for
+// each row, the range each byte may take.
+struct ByteRange {
+  unsigned char low;
+  unsigned char high;
+};
+struct WellFormedRow {
+  std::size_t length;
+  std::array<ByteRange, 4> bytes;
+};
+constexpr std::array<WellFormedRow, 9> well_formed_rows{{
+    {1, {{{0x00, 0x7F}}}},
+    {2, {{{0xC2, 0xDF}, {0x80, 0xBF}}}},
+    {3, {{{0xE0, 0xE0}, {0xA0, 0xBF}, {0x80, 0xBF}}}},
+    {3, {{{0xE1, 0xEC}, {0x80, 0xBF}, {0x80, 0xBF}}}},
+    {3, {{{0xED, 0xED}, {0x80, 0x9F}, {0x80, 0xBF}}}},
+    {3, {{{0xEE, 0xEF}, {0x80, 0xBF}, {0x80, 0xBF}}}},
+    {4, {{{0xF0, 0xF0}, {0x90, 0xBF}, {0x80, 0xBF}, {0x80, 0xBF}}}},
+    {4, {{{0xF1, 0xF3}, {0x80, 0xBF}, {0x80, 0xBF}, {0x80, 0xBF}}}},
+    {4, {{{0xF4, 0xF4}, {0x80, 0x8F}, {0x80, 0xBF}, {0x80, 0xBF}}}},
+}};
+
+// The length of the sequence of the table that `bytes` starts with, or 0.
+std::size_t table_length(std::string_view bytes) {
+  for (const WellFormedRow& row : well_formed_rows) {
+    if (bytes.size() < row.length) continue;
+    bool fits = true;
+    for (std::size_t i = 0; i < row.length && fits; ++i) {
+      const auto b = static_cast<unsigned char>(bytes[i]);
+      fits = b >= row.bytes[i].low && b <= row.bytes[i].high;
+    }
+    if (fits) return row.length;
+  }
+  return 0;
+}
+
+TEST(Utf8Validity, SequenceLengthFollowsTheTableOfWellFormedSequences) {
+  // Every one- and two-byte text, and for longer ones every first and second
+  // byte with the later bytes at the edges of the continuation range and
+  // just outside it.
+  const std::array<unsigned char, 6> later{0x00, 0x7F, 0x80, 0xBF, 0xC0, 0xFF};
+  std::size_t checked = 0;
+  for (unsigned b0 = 0; b0 < 256; ++b0) {
+    const std::string one(1, static_cast<char>(b0));
+    ASSERT_EQ(krel::utf8_sequence_length(one), table_length(one)) << b0;
+    for (unsigned b1 = 0; b1 < 256; ++b1) {
+      std::string text{static_cast<char>(b0), static_cast<char>(b1)};
+      ASSERT_EQ(krel::utf8_sequence_length(text), table_length(text)) << b0 << ' ' << b1;
+      for (const unsigned char b2 : later) {
+        text.resize(2);
+        text += static_cast<char>(b2);
+        ASSERT_EQ(krel::utf8_sequence_length(text), table_length(text)) << b0 << ' ' << b1;
+        for (const unsigned char b3 : later) {
+          text.resize(3);
+          text += static_cast<char>(b3);
+          text += 'x';  // a byte after the sequence is never part of it
+          ASSERT_EQ(krel::utf8_sequence_length(text), table_length(text)) << b0 << ' ' << b1;
+          ++checked;
+        }
+      }
+    }
+  }
+  EXPECT_EQ(checked, 256u * 256u * 36u);
+  EXPECT_EQ(krel::utf8_sequence_length(""), 0u);
+}
+
+TEST(Utf8Validity, ClaimedLengthComesFromTheLeadByteAlone) {
+  for (unsigned b = 0; b < 256; ++b) {
+    const auto lead = static_cast<unsigned char>(b);
+    std::size_t expected = 0;
+    for (const WellFormedRow& row : well_formed_rows) {
+      if (lead >= row.bytes[0].low && lead <= row.bytes[0].high) expected = row.length;
+    }
+    EXPECT_EQ(krel::utf8_claimed_length(lead), expected) << b;
+  }
+}
+
+TEST(Utf8Validity, FirstInvalidByteIsFoundAfterValidText) {
+  using namespace std::string_view_literals;
+  EXPECT_EQ(krel::first_invalid_utf8(""), std::string_view::npos);
+  EXPECT_EQ(krel::first_invalid_utf8("plain ASCII\t\0"sv), std::string_view::npos);
+  // "Größe", then U+20AC and U+1F600: all valid.
+  EXPECT_EQ(krel::first_invalid_utf8("Gr\xc3\xb6\xc3\x9f"
+                                     "e \xe2\x82\xac \xf0\x9f\x98\x80"sv),
+            std::string_view::npos);
+  EXPECT_EQ(krel::first_invalid_utf8("ab\xff"sv), 2u);
+  EXPECT_EQ(krel::first_invalid_utf8("\xc3\xb6\xc3"sv), 2u);              // cut short at the end
+  EXPECT_EQ(krel::first_invalid_utf8("a\xc0\xaf"sv), 1u);                 // overlong '/'
+  EXPECT_EQ(krel::first_invalid_utf8("\xe2\x82\xac\xed\xa0\x80"sv), 3u);  // a surrogate
+  EXPECT_EQ(krel::first_invalid_utf8("\xf4\x90\x80\x80"sv), 0u);          // above U+10FFFF
+  EXPECT_EQ(krel::first_invalid_utf8("\x80"sv), 0u);                      // a lone continuation
+  EXPECT_EQ(krel::first_invalid_utf8("a\0\xc3"sv), 2u);                   // NUL is valid
+}
+
+TEST(Utf8Validity, ValidTextRoundTripsThroughUtf16) {
+  // Every code point but the surrogates, encoded by hand.
+  std::string text;
+  for (char32_t c = 0; c <= 0x10FFFF; c += (c < 0x800 ? 1 : 0x3F)) {
+    if (c >= 0xD800 && c <= 0xDFFF) continue;
+    if (c < 0x80) {
+      text += static_cast<char>(c);
+    } else if (c < 0x800) {
+      text += static_cast<char>(0xC0 | (c >> 6));
+      text += static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+      text += static_cast<char>(0xE0 | (c >> 12));
+      text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      text += static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+      text += static_cast<char>(0xF0 | (c >> 18));
+      text += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+      text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      text += static_cast<char>(0x80 | (c & 0x3F));
+    }
+  }
+  ASSERT_EQ(krel::first_invalid_utf8(text), std::string_view::npos);
+  EXPECT_EQ(krel::ustring_to_utf8_string(krel::utf8_string_to_ustring(text)), text);
 }
 
 TEST(Utf8, EmptyTextStaysEmpty) {

@@ -17,8 +17,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <type_traits>
 
+#include "krel/detail/checked_message.h"
 #include "krel/message.h"
 #include "krel/ustring.h"
 #include "resource_core/base_msg_id.h"
@@ -101,63 +101,47 @@ template <class Arg>
 inline constexpr bool is_text_arg = std::convertible_to<const Arg&, std::string_view> ||
                                     std::convertible_to<const Arg&, const krel::ustring&>;
 
-// Not constexpr: reached while checking a call exactly when the arguments do
-// not match the table, which makes the call fail to compile with this name in
-// the error.
-void arguments_do_not_match_the_message_table();
+/// The message table as krel's checked messages read it.
+struct Messages {
+  using Id = MessageId;
+  static constexpr const auto& rows = messages;
 
-/// A MessageId whose row has arguments of exactly the kinds of Args, in order.
-/// It is made only while compiling, from a MessageId written at the call.
-template <class... Args>
-class CheckedMessageId {
- public:
-  // Implicit, so that a call reads throw_error(MessageId::FactorTooLarge).
-  consteval CheckedMessageId(MessageId message) : id_(message) {
-    const MessageRow& row = messages[static_cast<std::size_t>(message)];
-    constexpr std::array<bool, sizeof...(Args)> counts{is_count_arg<Args>...};
-    constexpr std::array<bool, sizeof...(Args)> integers{is_integer_arg<Args>...};
-    constexpr std::array<bool, sizeof...(Args)> texts{is_text_arg<Args>...};
-    if (row.arguments != sizeof...(Args)) arguments_do_not_match_the_message_table();
-    for (std::size_t i = 0; i < sizeof...(Args); ++i) {
-      const bool fits = row.kinds[i] == ArgKind::count     ? counts[i]
-                        : row.kinds[i] == ArgKind::integer ? integers[i]
-                                                           : texts[i];
-      if (!fits) arguments_do_not_match_the_message_table();
+  /// Whether an argument of C++ type Arg may be given where the table says
+  /// `kind`.
+  template <class Arg>
+  static consteval bool fits(ArgKind kind) {
+    switch (kind) {
+      case ArgKind::count:
+        return is_count_arg<Arg>;
+      case ArgKind::integer:
+        return is_integer_arg<Arg>;
+      case ArgKind::text:
+        return is_text_arg<Arg>;
     }
+    return false;
   }
-  [[nodiscard]] constexpr MessageId id() const noexcept { return id_; }
 
- private:
-  MessageId id_;
+  /// The identifier of `id`'s message with no arguments.
+  [[nodiscard]] static MsgId message_id(MessageId id);
+
+  // The arguments of a message, appended in order.
+  static void append_argument(MsgId& msg, std::uint64_t count);
+  static void append_argument(MsgId& msg, std::int64_t value);
+  static void append_argument(MsgId& msg, const krel::ustring& text);
+  static void append_argument(MsgId& msg, std::string_view utf8);  // widened to UTF-16
 };
-
-/// The identifier of `id`'s message with no arguments.
-[[nodiscard]] MsgId message_id(MessageId id);
-
-// The arguments of a message, appended in order.
-void append_argument(MsgId& msg, std::uint64_t count);
-void append_argument(MsgId& msg, std::int64_t value);
-void append_argument(MsgId& msg, const krel::ustring& text);
-void append_argument(MsgId& msg, std::string_view utf8);  // widened to UTF-16
-
-/// Throws krel::MessageException carrying `id`.
-[[noreturn]] void throw_message(MsgId id);
 
 /// The identifier of `id`'s message carrying `args`, for a caller that keeps
 /// it or builds its own exception from it.
 template <class... Args>
-[[nodiscard]] MsgId make_error(std::type_identity_t<CheckedMessageId<std::decay_t<Args>...>> id,
-                               const Args&... args) {
-  MsgId msg = message_id(id.id());
-  (append_argument(msg, args), ...);
-  return msg;
+[[nodiscard]] MsgId make_error(krel::detail::CheckedId<Messages, Args...> id, const Args&... args) {
+  return krel::detail::make_checked<Messages, Args...>(id, args...);
 }
 
 /// Throws krel::MessageException carrying `id`'s message with `args`.
 template <class... Args>
-[[noreturn]] void throw_error(std::type_identity_t<CheckedMessageId<std::decay_t<Args>...>> id,
-                              const Args&... args) {
-  throw_message(make_error<Args...>(id, args...));
+[[noreturn]] void throw_error(krel::detail::CheckedId<Messages, Args...> id, const Args&... args) {
+  krel::detail::throw_checked<Messages, Args...>(id, args...);
 }
 
 }  // namespace units2::core::detail

@@ -20,9 +20,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
-#include <type_traits>
 
 #include "krel/array_size.h"
+#include "krel/detail/checked_message.h"
 #include "krel/message.h"
 #include "resource_core/base_msg_id.h"
 #include "ui/core/errors.h"
@@ -97,65 +97,44 @@ template <class Arg>
 inline constexpr bool is_text_arg =
     std::convertible_to<const Arg&, const ustring&> || std::same_as<Arg, krel::ArraySize>;
 
-/// Never defined, and not constexpr: reached while checking a call exactly
-/// when the arguments do not match the table, which makes the call fail to
-/// compile with this name in the error.
-void arguments_do_not_match_the_message_table();
+/// The message table as krel's checked messages read it.
+struct KernelMessages {
+  using Id = ErrorId;
+  static constexpr const auto& rows = error_rows;
 
-/// An ErrorId whose row has arguments of exactly the kinds of Args, in order.
-/// It is made only while compiling, from an ErrorId written at the call.
-template <class... Args>
-class CheckedErrorId {
- public:
-  /// Checks `error`'s row against Args. Implicit, so that a call reads
-  /// throw_error(ErrorId::InvalidNodePath, text).
-  consteval CheckedErrorId(ErrorId error) : id_(error) {
-    const ErrorRow& row = error_rows[static_cast<std::size_t>(error)];
-    constexpr std::array<bool, sizeof...(Args)> counts{is_count_arg<Args>...};
-    constexpr std::array<bool, sizeof...(Args)> texts{is_text_arg<Args>...};
-    if (row.arguments != sizeof...(Args)) arguments_do_not_match_the_message_table();
-    for (std::size_t i = 0; i < sizeof...(Args); ++i) {
-      const bool fits = row.kinds[i] == ArgKind::count ? counts[i] : texts[i];
-      if (!fits) arguments_do_not_match_the_message_table();
-    }
+  /// Whether an argument of C++ type Arg may be given where the table says
+  /// `kind`.
+  template <class Arg>
+  static consteval bool fits(ArgKind kind) {
+    return kind == ArgKind::count ? is_count_arg<Arg> : is_text_arg<Arg>;
   }
-  /// The identifier that was checked.
-  [[nodiscard]] constexpr ErrorId id() const noexcept { return id_; }
 
- private:
-  ErrorId id_;
+  /// The identifier of `id`'s message with no arguments, room reserved for
+  /// exactly the arguments the message carries.
+  [[nodiscard]] static MsgId message_id(ErrorId id);
+
+  /// Appends one argument to a message; arguments are appended in order, and
+  /// each text is stored as a fresh copy.
+  /// @{
+  static void append_argument(MsgId& msg, std::uint64_t count);
+  static void append_argument(MsgId& msg, const ustring& text);
+  static void append_argument(MsgId& msg, const krel::ArraySize& size);
+  /// @}
 };
-
-/// The identifier of `id`'s message with no arguments, room reserved for
-/// exactly the arguments the message carries.
-[[nodiscard]] MsgId message_id(ErrorId id);
-
-/// Appends one argument to a message; arguments are appended in order, and
-/// each text is stored as a fresh copy.
-/// @{
-void append_argument(MsgId& msg, std::uint64_t count);
-void append_argument(MsgId& msg, const ustring& text);
-void append_argument(MsgId& msg, const krel::ArraySize& size);
-/// @}
-
-/// Throws krel::MessageException carrying `id`.
-[[noreturn]] void throw_message(MsgId id);
 
 /// The identifier of `id`'s message carrying `args`, for a caller that
 /// reports it without throwing or throws it later.
 template <class... Args>
-[[nodiscard]] MsgId make_error(std::type_identity_t<CheckedErrorId<std::decay_t<Args>...>> id,
+[[nodiscard]] MsgId make_error(krel::detail::CheckedId<KernelMessages, Args...> id,
                                const Args&... args) {
-  MsgId msg = message_id(id.id());
-  (append_argument(msg, args), ...);
-  return msg;
+  return krel::detail::make_checked<KernelMessages, Args...>(id, args...);
 }
 
 /// Throws krel::MessageException carrying `id`'s message with `args`.
 template <class... Args>
-[[noreturn]] void throw_error(std::type_identity_t<CheckedErrorId<std::decay_t<Args>...>> id,
+[[noreturn]] void throw_error(krel::detail::CheckedId<KernelMessages, Args...> id,
                               const Args&... args) {
-  throw_message(make_error<Args...>(id, args...));
+  krel::detail::throw_checked<KernelMessages, Args...>(id, args...);
 }
 
 }  // namespace ui::core::detail

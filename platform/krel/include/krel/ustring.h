@@ -11,6 +11,7 @@
 #ifndef KREL_USTRING_H
 #define KREL_USTRING_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,22 @@ using ustring = std::basic_string<char16_t>;
 [[nodiscard]] inline ustring utf8_string_to_ustring(const char* text) {
   return utf8_string_to_ustring(std::string_view(text));
 }
+
+/// How many bytes a UTF-8 sequence whose first byte is `lead` claims: 1 for
+/// ASCII, 2 to 4 for a lead byte (0xC2 to 0xF4), 0 for a byte that cannot
+/// start a sequence (a continuation byte, 0xC0, 0xC1, or 0xF5 and above).
+[[nodiscard]] std::size_t utf8_claimed_length(unsigned char lead) noexcept;
+
+/// The length (1 to 4) of the well-formed UTF-8 sequence at the start of
+/// `bytes`, or 0 when `bytes` is empty or does not start with one. Well-formed
+/// follows the Unicode table of well-formed byte sequences: no overlong form,
+/// no surrogate, nothing above U+10FFFF, and no sequence cut short.
+[[nodiscard]] std::size_t utf8_sequence_length(std::string_view bytes) noexcept;
+
+/// The offset of the first byte of `bytes` that does not start a well-formed
+/// UTF-8 sequence, or std::string_view::npos when all of `bytes` is valid
+/// UTF-8. Text that passes converts to UTF-16 and back unchanged.
+[[nodiscard]] std::size_t first_invalid_utf8(std::string_view bytes) noexcept;
 
 /// UTF-16 to the narrow encoding of the current LC_CTYPE locale (UTF-8 under a
 /// UTF-8 locale, ASCII under "C"). A character the encoding cannot hold, and a
