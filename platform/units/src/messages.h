@@ -109,7 +109,7 @@ struct Messages {
   /// Whether an argument of C++ type Arg may be given where the table says
   /// `kind`.
   template <class Arg>
-  static consteval bool fits(ArgKind kind) {
+  static constexpr bool fits(ArgKind kind) {
     switch (kind) {
       case ArgKind::count:
         return is_count_arg<Arg>;

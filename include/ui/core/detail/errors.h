@@ -105,7 +105,7 @@ struct KernelMessages {
   /// Whether an argument of C++ type Arg may be given where the table says
   /// `kind`.
   template <class Arg>
-  static consteval bool fits(ArgKind kind) {
+  static constexpr bool fits(ArgKind kind) {
     return kind == ArgKind::count ? is_count_arg<Arg> : is_text_arg<Arg>;
   }
 

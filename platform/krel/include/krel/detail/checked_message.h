@@ -14,7 +14,7 @@
 //     using Id = MessageId;                     // an enum; row i describes value i
 //     static constexpr const auto& rows = table;  // rows with `arguments`, `kinds`
 //     template <class Arg>
-//     static consteval bool fits(ArgKind kind);   // may an Arg be given for `kind`?
+//     static constexpr bool fits(ArgKind kind);   // may an Arg be given for `kind`?
 //     static resource_core::BaseMsgID message_id(Id id);  // catalogue and key
 //     static void append_argument(resource_core::BaseMsgID& msg, ...);  // per C++ type
 //   };
