@@ -84,13 +84,8 @@ inline constexpr std::array<MessageRow, 13> messages{{
                                                               "InvalidDatabase"),
 }};
 
-consteval bool messages_in_enum_order() {
-  for (std::size_t i = 0; i < messages.size(); ++i) {
-    if (static_cast<std::size_t>(messages[i].id) != i) return false;
-  }
-  return true;
-}
-static_assert(messages_in_enum_order(), "the message table must list MessageId in order");
+static_assert(krel::detail::rows_in_identifier_order(messages),
+              "the message table must list MessageId in order");
 
 /// The kind of argument a C++ type gives, or none.
 template <class Arg>

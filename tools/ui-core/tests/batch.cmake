@@ -5,6 +5,7 @@ set(batch_dir ${CMAKE_CURRENT_BINARY_DIR}/batch)
 file(WRITE ${batch_dir}/refusals.txt "node-path a/b\nnode-path /mass\naccess internal\n")
 file(WRITE ${batch_dir}/accepted.txt "node-path a/b\n# a comment\n\naccess internal\n")
 file(WRITE ${batch_dir}/bad_line.txt "node-path a\nnode-path --josn b\nnode-path c\n")
+file(WRITE ${batch_dir}/bad_quote.txt "node-path \"a\n")
 # Each option of each subcommand, then the same subcommand without it: the
 # second line must not see the first one's option.
 file(WRITE ${batch_dir}/fresh.txt
@@ -48,3 +49,11 @@ ui_core_tool_test(batch_options_do_not_carry_over EXIT 1 ENV "LC_ALL=C"
   ARGS batch ${batch_dir}/fresh.txt)
 ui_core_tool_test(batch_skips_a_byte_order_mark
   OUT "^\\$ ui-core node-path a\n'a' is a valid node path" ARGS batch ${batch_dir}/bom.txt)
+
+# Batch's own texts come from the tool's catalogue and follow the locale.
+ui_core_tool_test(batch_summary_in_german EXIT 1
+  OUT "\n3 Befehle ausgeführt, 1 hat Eingaben abgelehnt\n$"
+  ENV "LC_ALL=de_DE.UTF-8" ARGS batch ${batch_dir}/refusals.txt)
+ui_core_tool_test(batch_unterminated_quote_in_german EXIT 2
+  ERR "bad_quote\\.txt:1: error: Anführungszeichen nicht geschlossen\n$"
+  ENV "LC_ALL=de_DE.UTF-8" ARGS batch ${batch_dir}/bad_quote.txt)

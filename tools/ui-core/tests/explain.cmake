@@ -32,3 +32,7 @@ ui_core_tool_test(version EXPECT "^ui-core [0-9]+\\.[0-9]+\\.[0-9]+" ARGS --vers
 ui_core_tool_test(help EXPECT "explain" ARGS --help)
 ui_core_tool_test(no_subcommand_is_bad_usage EXIT 2 ARGS)
 ui_core_tool_test(unknown_subcommand_is_bad_usage EXIT 2 ARGS frobnicate)
+# --list goes through the tool's renderer: a line each, or with --json an object each.
+ui_core_tool_test(explain_list_json
+  OUT "^{\"identifier\":\"[^\"\n]+\"}\n(.*\n)?{\"identifier\":\"kalder:common:ui:core:kernel:path:InvalidNodePath\"}\n"
+  ARGS explain --list --json)

@@ -335,3 +335,9 @@ ui_core_tool_test(streaming_explain_line_missing_an_argument_is_refused EXIT 1 E
   JSON_CHECKS "0|error.catalogue|ui-core" "0|error.key|MissingArguments"
               "0|error.arguments.1|1" "0|error.arguments.2|0"
   ARGS explain --json --file ${stream_dir}/explain_missing.txt)
+# Why a file cannot be read follows the locale, like every text of the tool.
+ui_core_tool_test(streaming_missing_file_in_german EXIT 2
+  ERR "^error: [^\n]*no-such-file\\.txt kann nicht geöffnet werden: "
+  ARGS node-path --locale de --file ${stream_dir}/no-such-file.txt)
+ui_core_tool_test(streaming_directory_in_german EXIT 2 ERR " ist ein Verzeichnis\n$"
+  ARGS escape-xml --locale de --file ${stream_dir})

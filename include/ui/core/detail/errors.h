@@ -79,14 +79,8 @@ inline constexpr std::array<ErrorRow, 14> error_rows{{
                                             "SubscriptOutOfRange"),
 }};
 
-/// True when row i of the table describes the ErrorId of value i.
-consteval bool error_rows_in_enum_order() {
-  for (std::size_t i = 0; i < error_rows.size(); ++i) {
-    if (static_cast<std::size_t>(error_rows[i].id) != i) return false;
-  }
-  return true;
-}
-static_assert(error_rows_in_enum_order(), "the message table must list ErrorId in order");
+static_assert(krel::detail::rows_in_identifier_order(error_rows),
+              "the message table must list ErrorId in order");
 
 /// True when a C++ type gives a count argument (an unsigned integer).
 template <class Arg>

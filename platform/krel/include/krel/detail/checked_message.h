@@ -44,6 +44,18 @@ namespace krel::detail {
 /// fail to compile with this name in the error.
 void arguments_do_not_match_the_message_table();
 
+/// True when row i of `rows` describes the identifier of value i, which is
+/// how CheckedMessageId finds a row: a table states it with
+/// static_assert(rows_in_identifier_order(table)).
+template <class Rows>
+consteval bool rows_in_identifier_order(const Rows& rows) {
+  std::size_t i = 0;
+  for (const auto& row : rows) {
+    if (static_cast<std::size_t>(row.id) != i++) return false;
+  }
+  return true;
+}
+
 /// An identifier of Table whose row has arguments of exactly the kinds of
 /// Args, in order. It is made only while compiling, from an identifier
 /// written at the call.
