@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "object_path/broken_element_impl.h"
+#include "reference_hash.h"
 #include "value_checks.h"
 
 namespace {
@@ -41,19 +42,7 @@ void expect_order(const ObjectPathElement& a, const ObjectPathElement& b, int ex
   EXPECT_EQ(ui::core::equal_ignore_annotation(a, b), expected == 0);
 }
 
-// The 64-bit mixing step and hash_combine, written out independently of Boost
-// so that a change in how the library hashes shows up here.
-std::uint64_t mix(std::uint64_t x) {
-  x ^= x >> 32;
-  x *= 0xe9846af9b1a615dULL;
-  x ^= x >> 32;
-  x *= 0xe9846af9b1a615dULL;
-  x ^= x >> 28;
-  return x;
-}
-std::uint64_t combine(std::uint64_t seed, std::uint64_t value) {
-  return mix(seed + 0x9e3779b9ULL + value);
-}
+using test_support::combine;
 std::uint64_t expected_name_hash(const ustring& text) {
   std::uint64_t h = 0;
   for (char16_t u : text) h = combine(h, u);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "expect_error.h"
+#include "reference_hash.h"
 #include "ui/core/object_path_element.h"
 #include "ui/core/object_path_name.h"
 #include "ui/core/object_path_subscript.h"
@@ -154,17 +155,7 @@ TEST(ObjectPathSubscript, ParsingReadsTheTextNotTheFirstPieceOnly) {
 
 // ------------------------------------------------------------ elements
 
-std::uint64_t mix(std::uint64_t x) {
-  x ^= x >> 32;
-  x *= 0xe9846af9b1a615dULL;
-  x ^= x >> 32;
-  x *= 0xe9846af9b1a615dULL;
-  x ^= x >> 28;
-  return x;
-}
-std::uint64_t combine(std::uint64_t seed, std::uint64_t value) {
-  return mix(seed + 0x9e3779b9ULL + value);
-}
+using test_support::combine;
 
 TEST(ObjectPathElement, NamesCompareByCodeUnitNotByCodePoint) {
   // U+10000 is written as the units D800 DC00. By code point it would sort
