@@ -98,7 +98,9 @@ inline constexpr bool is_text_arg = std::convertible_to<const Arg&, std::string_
 
 /// The message table as krel's checked messages read it.
 struct Messages {
+  /// The identifiers the table describes.
   using Id = MessageId;
+  /// The table, row i for the MessageId of value i.
   static constexpr const auto& rows = messages;
 
   /// Whether an argument of C++ type Arg may be given where the table says

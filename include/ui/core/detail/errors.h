@@ -93,7 +93,9 @@ inline constexpr bool is_text_arg =
 
 /// The message table as krel's checked messages read it.
 struct KernelMessages {
+  /// The identifiers the table describes.
   using Id = ErrorId;
+  /// The table, row i for the ErrorId of value i.
   static constexpr const auto& rows = error_rows;
 
   /// Whether an argument of C++ type Arg may be given where the table says
