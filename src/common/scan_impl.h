@@ -4,7 +4,9 @@
 // ordinary text: "/" in paths, white space to clean in names, the five XML
 // specials in text to escape. Each of those is a set of code units (SlashUnit,
 // SpaceUnits here, XmlSpecials in text/xml_scan_impl.h) with one test of a
-// single unit and, where the target has SSE2, one test of eight units at once.
+// single unit and, where the target has SSE2, one test of eight units at once
+// (`lanes`) or, for a set of units from 0x01 to 0xFE, of sixteen units narrowed
+// to bytes (`byte_lanes`).
 // Every scan is built on one primitive, the mask of the members of a set among
 // sixteen code units, which comes in two twins: Sse2Scan and PortableScan.
 // FastScan names the one the target uses; the tests run both on every code
@@ -58,6 +60,15 @@ struct SlashUnit {
 struct SpaceUnits {
   [[nodiscard]] static constexpr bool contains(char16_t c) noexcept { return is_space_unit(c); }
 #if UI_CORE_HAVE_SSE2
+  /// The same tests on sixteen units narrowed to bytes (see Sse2Scan::mask16).
+  [[nodiscard]] static __m128i byte_lanes(__m128i bytes) noexcept {
+    const __m128i above_tab = _mm_sub_epi8(bytes, _mm_set1_epi8('\t'));
+    const __m128i control =
+        _mm_cmpeq_epi8(_mm_subs_epu8(above_tab, _mm_set1_epi8(4)), _mm_setzero_si128());
+    return _mm_or_si128(control, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')));
+  }
+  /// All ones in the 16-bit lanes of `units` that hold white space (for the
+  /// copy that cleans it).
   [[nodiscard]] static __m128i lanes(__m128i units) noexcept {
     // The same two tests as is_space_unit, on eight units: the distance above
     // \t saturates to 0 exactly for \t..\r.
@@ -106,10 +117,19 @@ struct PortableScan {
 struct Sse2Scan {
   template <class Set>
   [[nodiscard]] static unsigned mask16(const char16_t* p) noexcept {
-    const __m128i low = Set::lanes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
-    const __m128i high = Set::lanes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8)));
-    // Packing turns each all-ones or all-zeros 16-bit lane into one byte.
-    return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));
+    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8));
+    if constexpr (requires(__m128i bytes) { Set::byte_lanes(bytes); }) {
+      // A set of units from 0x01 to 0xFE is tested on bytes, sixteen at once:
+      // narrowing with unsigned saturation keeps 0x00..0xFF and makes every
+      // other unit 0xFF (0x0100..0x7FFF) or 0x00 (0x8000 and above), neither
+      // of which is a member.
+      return static_cast<unsigned>(_mm_movemask_epi8(Set::byte_lanes(_mm_packus_epi16(low, high))));
+    } else {
+      // Packing turns each all-ones or all-zeros 16-bit lane into one byte.
+      return static_cast<unsigned>(
+          _mm_movemask_epi8(_mm_packs_epi16(Set::lanes(low), Set::lanes(high))));
+    }
   }
 
   /// Reads only code units in [floor, p + n), where floor <= p and n <= 16.

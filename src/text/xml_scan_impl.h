@@ -24,13 +24,14 @@ namespace ui::core::detail {
 struct XmlSpecials {
   [[nodiscard]] static constexpr bool contains(char16_t c) noexcept { return is_xml_special(c); }
 #if UI_CORE_HAVE_SSE2
-  /// & and ' are found as (u | 1) == 0x27, < and > as (u | 2) == 0x3E, and "
-  /// directly: three compares for five keys.
-  [[nodiscard]] static __m128i lanes(__m128i units) noexcept {
-    const auto same = [](__m128i a, short b) { return _mm_cmpeq_epi16(a, _mm_set1_epi16(b)); };
-    return _mm_or_si128(_mm_or_si128(same(_mm_or_si128(units, _mm_set1_epi16(1)), 0x27),
-                                     same(_mm_or_si128(units, _mm_set1_epi16(2)), 0x3E)),
-                        same(units, 0x22));
+  /// On sixteen units narrowed to bytes (see Sse2Scan::mask16): & and ' are
+  /// found as (b | 1) == 0x27, < and > as (b | 2) == 0x3E, and " directly:
+  /// three compares for five keys.
+  [[nodiscard]] static __m128i byte_lanes(__m128i bytes) noexcept {
+    const auto same = [](__m128i a, char b) { return _mm_cmpeq_epi8(a, _mm_set1_epi8(b)); };
+    return _mm_or_si128(_mm_or_si128(same(_mm_or_si128(bytes, _mm_set1_epi8(1)), 0x27),
+                                     same(_mm_or_si128(bytes, _mm_set1_epi8(2)), 0x3E)),
+                        same(bytes, 0x22));
   }
 #endif
 };

@@ -243,10 +243,11 @@ std::optional<InputSource> open_input(const std::string& file) {
   if (file.empty() || file == "-") {
     return InputSource{FileDescriptor(-1), command_input(), tool_text("StandardInput", {}), 0};
   }
-  InputSource source{FileDescriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC)), -1, file, 0};
-  source.fd = source.file.get();
-  if (source.fd < 0) {
-    const krel::ustring reason = krel::utf8_string_to_ustring(std::strerror(errno));
+  const int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  const int open_error = errno;  // before anything else may change it
+  InputSource source{FileDescriptor(fd), fd, file, 0};
+  if (fd < 0) {
+    const krel::ustring reason = krel::utf8_string_to_ustring(std::strerror(open_error));
     write_error("error: " + tool_text("CannotOpen", {krel::utf8_string_to_ustring(file), reason}) +
                 "\n");
     return std::nullopt;

@@ -12,7 +12,7 @@
 //
 //   struct Messages {
 //     using Id = MessageId;                     // an enum; row i describes value i
-//     static constexpr const auto& rows = table;  // rows with `arguments`, `kinds`
+//     static constexpr const auto& rows = table;  // rows: `id`, `arguments`, `kinds`
 //     template <class Arg>
 //     static constexpr bool fits(ArgKind kind);   // may an Arg be given for `kind`?
 //     static resource_core::BaseMsgID message_id(Id id);  // catalogue and key
