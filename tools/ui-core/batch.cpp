@@ -11,7 +11,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -66,8 +65,8 @@ int run_batch(const std::string& file) {
   // batch's own (or the terminal): it reads an empty input instead.
   const FileDescriptor nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
   if (nothing.get() < 0) {
-    const krel::ustring reason = krel::utf8_string_to_ustring(std::strerror(errno));
-    write_error("error: " + tool_text("CannotOpen", {krel::ustring(u"/dev/null"), reason}) + "\n");
+    const int open_error = errno;
+    report_open_error("/dev/null", open_error);
     return exit_io;
   }
   // "<file>:<line>: error: <text>", the form compilers use, so that editors

@@ -198,6 +198,9 @@ struct InputSource {
 /// command then ends with exit_usage.
 [[nodiscard]] std::optional<InputSource> open_input(const std::string& file);
 
+/// Reports that the file `name` could not be opened, with the errno `error`.
+void report_open_error(const std::string& name, int error);
+
 /// Reports that reading `source` failed with the errno `error`; the command
 /// then ends with exit_io.
 void report_read_error(const InputSource& source, int error);

@@ -247,9 +247,7 @@ std::optional<InputSource> open_input(const std::string& file) {
   const int open_error = errno;  // before anything else may change it
   InputSource source{FileDescriptor(fd), fd, file, 0};
   if (fd < 0) {
-    const krel::ustring reason = krel::utf8_string_to_ustring(std::strerror(open_error));
-    write_error("error: " + tool_text("CannotOpen", {krel::utf8_string_to_ustring(file), reason}) +
-                "\n");
+    report_open_error(file, open_error);
     return std::nullopt;
   }
   struct stat info {};
@@ -262,6 +260,12 @@ std::optional<InputSource> open_input(const std::string& file) {
     if (S_ISREG(info.st_mode)) source.size = static_cast<std::uint64_t>(info.st_size);
   }
   return source;
+}
+
+void report_open_error(const std::string& name, int error) {
+  const krel::ustring reason = krel::utf8_string_to_ustring(std::strerror(error));
+  write_error("error: " + tool_text("CannotOpen", {krel::utf8_string_to_ustring(name), reason}) +
+              "\n");
 }
 
 void report_read_error(const InputSource& source, int error) {

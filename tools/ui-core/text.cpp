@@ -44,7 +44,7 @@ std::size_t complete_prefix(std::string_view buffer) noexcept {
   return n;
 }
 
-// Escapes the input `fd` to standard output piece by piece, so that input of
+// Escapes `source` to standard output piece by piece, so that input of
 // any size runs in constant memory.
 int escape_stream(const InputSource& source, std::size_t chunk_size, Progress& progress) {
   std::string buffer;
